@@ -1,0 +1,52 @@
+#include "sim/core/class.hpp"
+
+#include "sim/core/process.hpp"
+
+namespace sim {
+
+Object* Invocation::object(std::size_t index) const {
+  return process.object(arguments.at(index).bits);
+}
+
+std::string Invocation::text(std::size_t index) const {
+  return process.library().readText(arguments.at(index).bits);
+}
+
+Object* Invocation::nextVariadicObject() const {
+  return rest ? process.object(rest->next(Kind::Object).bits) : nullptr;
+}
+
+Method* Class::own(const std::string& selector) {
+  const auto found = methods.find(selector);
+  return found == methods.end() ? nullptr : &found->second;
+}
+
+Method* Class::find(const std::string& selector) {
+  for (Class* cls = this; cls; cls = cls->superclass)
+    if (Method* method = cls->own(selector)) return method;
+  return nullptr;
+}
+
+bool Class::inherits(const Class& ancestor) const {
+  for (const Class* cls = this; cls; cls = cls->superclass)
+    if (cls == &ancestor) return true;
+  return false;
+}
+
+std::string Library::readText(Address from) const {
+  std::string text;
+  for (char c = 0;; text += c) {
+    read(from + text.size(), &c, 1);
+    if (c == 0) return text;
+  }
+}
+
+Address Library::readPointer(Address from) const {
+  Address value = 0;
+  read(from, &value, pointerSize());
+  return value;
+}
+
+void Library::writePointer(Address to, Address value) { write(to, &value, pointerSize()); }
+
+}  // namespace sim

@@ -1,0 +1,88 @@
+// Templates of simulated classes: each process makes its own classes from them.
+#pragma once
+#include <type_traits>
+
+#include "sim/core/bind.hpp"
+
+namespace sim {
+
+// The processes that have a class.
+struct Home {
+  enum class Where : std::uint8_t { Everywhere, SpringBoard, App, AddOn } where = Where::Everywhere;
+  std::string name{};  // the app's identifier, or the add-on
+
+  static Home everywhere() { return {}; }
+  static Home springBoard() { return {Where::SpringBoard, {}}; }
+  static Home app(std::string identifier) { return {Where::App, std::move(identifier)}; }
+  static Home addOn(std::string addOn) { return {Where::AddOn, std::move(addOn)}; }
+};
+
+class ClassDefinition {
+ public:
+  // Instances are C++ objects of type T, made with T(Process&) by +alloc.
+  template <class T>
+  static ClassDefinition of(std::string name, std::string superclass, Home home) {
+    ClassDefinition definition(std::move(name), std::move(superclass), std::move(home));
+    if constexpr (std::is_constructible_v<T, Process&>)
+      definition.factory_ = [](Process& process) -> Object* { return new T(process); };
+    return definition;
+  }
+
+  // An instance method: a member function of T.
+  template <class F>
+  ClassDefinition& method(std::string selector, F function) {
+    return add(bindMethod(std::move(selector), function), false);
+  }
+  // A class method: a function of (Class&, arguments…).
+  template <class F>
+  ClassDefinition& classMethod(std::string selector, F function) {
+    return add(bindClassMethod(std::move(selector), function), true);
+  }
+  // A method given as a whole, for variadic ones.
+  ClassDefinition& code(NativeCode code, bool onClass = false) {
+    return add(std::move(code), onClass);
+  }
+  // The method added last is an effect: always traced.
+  ClassDefinition& effect() {
+    last_->effect = true;
+    return *this;
+  }
+  // The method added last is shown so in traces; implies effect.
+  ClassDefinition& effect(Describe describe) {
+    last_->describe = std::move(describe);
+    return effect();
+  }
+  // The method added last exists only with that add-on.
+  ClassDefinition& onlyWithAddOn(std::string addOn);
+
+  // Adds the class to a process that is its home, unless the device says that it is missing.
+  // Superclasses must have been added before.
+  void install(Process& process) const;
+
+  const std::string& name() const { return name_; }
+  const Home& home() const { return home_; }
+
+ private:
+  struct Row {
+    std::shared_ptr<NativeCode> code;
+    bool onClass;
+    std::string addOn;
+  };
+  ClassDefinition(std::string name, std::string superclass, Home home)
+      : name_(std::move(name)), superclass_(std::move(superclass)), home_(std::move(home)) {}
+  ClassDefinition& add(NativeCode code, bool onClass);
+
+  std::string name_;
+  std::string superclass_;
+  Home home_;
+  Class::Factory factory_{};
+  std::vector<Row> rows_;
+  NativeCode* last_ = nullptr;
+};
+
+// The master list, superclasses first.
+const std::vector<ClassDefinition>& classDefinitions();
+// The platform's C functions.
+const std::vector<std::shared_ptr<const NativeCode>>& platformFunctions();
+
+}  // namespace sim

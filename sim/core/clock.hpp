@@ -1,0 +1,40 @@
+// The device's virtual clock: time moves only by advance().
+#pragma once
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include "sim/core/trace.hpp"
+
+namespace sim {
+
+class Clock {
+ public:
+  using TimerId = std::uint64_t;
+
+  Microseconds now() const { return now_; }
+
+  // Runs `fire` after `delay`; a repeating one again an interval after each due time.
+  TimerId schedule(Microseconds delay, bool repeats, std::function<void()> fire);
+  void cancel(TimerId timer);  // unknown ones are ignored
+
+  // Fires what is due within `span`, in order of due time, then of creation; calls `settle` after
+  // each. Leaves the clock `span` later.
+  void advance(Microseconds span, const std::function<void()>& settle);
+
+ private:
+  struct Timer {
+    TimerId id;
+    Microseconds due;
+    Microseconds interval;
+    bool repeats;
+    std::function<void()> fire;
+  };
+  std::optional<std::size_t> earliest(Microseconds until) const;
+
+  Microseconds now_ = 0;
+  TimerId nextId_ = 1;
+  std::vector<Timer> timers_;
+};
+
+}  // namespace sim

@@ -1,0 +1,13 @@
+// How calls read in traces.
+#pragma once
+#include "sim/core/class.hpp"
+
+namespace sim {
+
+// "-[SpringBoard launchApplicationWithIdentifier:"ID" suspended:NO]" or "notify_post("NAME")".
+std::string described(const Invocation& invocation);
+
+// One argument or result: "text", YES, 4, 0.36, nil, <NSDictionary>, <block>.
+std::string described(Process& process, const Value& value);
+
+}  // namespace sim

@@ -1,0 +1,173 @@
+#include "sim/core/device.hpp"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace sim {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// Objects and selectors live where neither the library nor memory handed to it ever is, below
+// 4 GiB so that 32-bit processes can name them.
+constexpr Address kFirstSelector = 0x50000000;
+constexpr Address kFirstObject = 0x60000000;
+constexpr Address kStep = 16;
+
+fs::path makeRoot() {
+  std::string pattern = (fs::temp_directory_path() / "corvalen-device-XXXXXX").string();
+  if (!mkdtemp(pattern.data())) throw std::runtime_error("cannot make " + pattern);
+  return pattern;
+}
+
+}  // namespace
+
+App* DeviceState::app(const std::string& identifier) {
+  const auto found = std::ranges::find(apps, identifier, &App::identifier);
+  return found == apps.end() ? nullptr : &*found;
+}
+
+Device::Device(Trace& trace, LibraryLoader& loader)
+    : trace(trace), loader(loader), root_(makeRoot()), nextObject_(kFirstObject) {
+  fs::create_directories(hostPath("/var/mobile/Library/Preferences"));
+  loader.setVersion(state.version);
+}
+
+Device::~Device() {
+  while (!processes_.empty()) endProcess(*processes_.front());
+  dead_.clear();
+  std::error_code ignored;
+  fs::remove_all(root_, ignored);
+}
+
+fs::path Device::hostPath(const std::string& devicePath) const {
+  return root_ / fs::path(devicePath).relative_path();
+}
+
+void Device::setVersion(double version) {
+  state.version = version;
+  loader.setVersion(version);
+}
+
+Process* Device::process(const std::string& identifier) {
+  for (const auto& process : processes_)
+    if (process->identifier == identifier) return process.get();
+  return nullptr;
+}
+
+std::vector<Process*> Device::processes() {
+  std::vector<Process*> all;
+  for (const auto& process : processes_) all.push_back(process.get());
+  return all;
+}
+
+void Device::bootSpringBoard() {
+  if (Process* running = springBoard()) endProcess(*running);
+  auto& process = *processes_.emplace_back(std::make_unique<Process>(*this, kSpringBoard));
+  process.number = ++started_;
+  callback(process, [&] {
+    process.loadLibrary();
+    startUpSpringBoard(process);
+  });
+}
+
+void Device::startApp(const std::string& identifier) {
+  if (App* app = state.app(identifier)) app->running = true;
+  if (Process* board = springBoard())
+    callback(*board, [&] { tellProcessLaunched(*board, identifier); });
+  auto& process = *processes_.emplace_back(std::make_unique<Process>(*this, identifier));
+  process.number = ++started_;
+  callback(process, [&] {
+    process.loadLibrary();
+    startUpApp(process);
+  });
+}
+
+void Device::endProcess(Process& process) {
+  std::erase_if(queue_, [&](const Queued& queued) { return queued.process == process.number; });
+  const auto found =
+      std::ranges::find_if(processes_, [&](const auto& p) { return p.get() == &process; });
+  if (found == processes_.end()) return;
+  for (const auto timer : process.timers) clock.cancel(timer);
+  process.observers.clear();
+  dead_.splice(dead_.end(), processes_, found);
+  // Code of the process may still be on the stack: it goes with the outermost callback.
+  if (depth_ == 0) dead_.clear();
+}
+
+bool Device::callback(Process& process, const std::function<void()>& body) {
+  ++depth_;
+  bool alive = true;
+  try {
+    const Address pool = process.pushPool();
+    body();
+    process.popPool(pool);
+    process.throwDeferredFault();
+  } catch (const Fault& fault) {
+    alive = false;
+    effect(process, std::string("crash: ") + fault.what());
+    if (App* app = state.app(process.identifier)) app->running = false;
+    endProcess(process);
+  }
+  if (--depth_ == 0) dead_.clear();
+  return alive;
+}
+
+void Device::enqueue(Process* process, std::function<void()> work) {
+  queue_.push_back({process ? process->number : 0, std::move(work)});
+}
+
+void Device::drain() {
+  while (!queue_.empty()) {
+    const auto work = std::move(queue_.front().work);
+    queue_.pop_front();
+    work();
+  }
+}
+
+void Device::advance(Microseconds span) {
+  drain();
+  clock.advance(span, [this] { drain(); });
+}
+
+void Device::postDarwin(const std::string& name) {
+  enqueue(nullptr, [this, name] {
+    for (Process* process : processes()) {
+      // A process may have died by what an earlier one did.
+      if (std::ranges::find(processes(), process) == processes().end()) continue;
+      std::vector<Address> callbacks;
+      for (const auto& observer : process->observers)
+        if (observer.darwin && observer.name == name) callbacks.push_back(observer.callback);
+      for (const Address code : callbacks) {
+        const std::vector<Value> nothing(5, Value::of(Kind::Pointer, 0));
+        if (!callback(*process, [&] { process->library().call(code, Kind::Void, nothing); })) break;
+      }
+    }
+  });
+}
+
+void Device::effect(const Process& process, const std::string& call) {
+  trace.effect(clock.now(), process.identifier, call);
+}
+
+Address Device::nextObjectAddress() {
+  const Address address = nextObject_;
+  nextObject_ += kStep;
+  if (address >= 0x7fff0000) throw Fault("the device is out of object addresses");
+  return address;
+}
+
+Address Device::selector(const std::string& name) {
+  const auto [entry, fresh] =
+      selectors_.try_emplace(name, kFirstSelector + kStep * selectors_.size());
+  if (fresh) selectorNames_[entry->second] = name;
+  return entry->second;
+}
+
+const std::string* Device::selectorName(Address address) const {
+  const auto found = selectorNames_.find(address);
+  return found == selectorNames_.end() ? nullptr : &found->second;
+}
+
+}  // namespace sim

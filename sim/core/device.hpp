@@ -1,0 +1,127 @@
+// The simulated device: what is installed, what is held and shown, and the processes.
+//
+// Setting a field is what the platform does silently. What causes events goes through the methods
+// of Device or through messages to the platform's objects.
+#pragma once
+#include <deque>
+#include <filesystem>
+#include <functional>
+#include <list>
+#include <memory>
+#include <optional>
+#include <set>
+
+#include "sim/core/clock.hpp"
+#include "sim/core/process.hpp"
+
+namespace sim {
+
+inline const std::string kSpringBoard = "com.apple.springboard";
+inline const std::string kMusic = "com.apple.Music";
+inline const std::string kSpotify = "com.spotify.client";
+inline const std::string kPodcasts = "com.apple.podcasts";
+inline const std::string kGarmin = "com.garmin.connect.mobile";
+
+// An installed app.
+struct App {
+  std::string identifier;
+  std::string name;
+  bool listed = true;  // by AppList
+  bool running = false;
+};
+
+// What SpringBoard's media controller holds.
+struct Track {
+  std::string app;
+  bool playing = false;
+};
+
+struct DeviceState {
+  double version = 1145.15;
+  std::vector<App> apps{{kMusic, "Music"}};  // in the order in which they were installed
+  std::set<std::string> missingClasses;
+  std::set<std::string> addOns;  // installed; their classes come with the next SpringBoard
+  bool locked = false;
+  bool screenOn = true;
+  bool inCall = false;
+  bool headphones = false;
+  std::optional<std::string> front;  // the front-most app
+  std::optional<Track> track;
+  std::map<std::string, std::optional<int>> playerAfter;  // nudges until it plays; none: never
+  std::vector<std::string> accounts;
+  bool accountsGranted = true;
+  std::optional<std::uint32_t> networkFlags = 0x2;
+  std::set<std::string> openableSchemes;
+  bool settingsReadOnly = false;
+
+  App* app(const std::string& identifier);  // borrowed; null if not installed
+};
+
+class Device {
+ public:
+  // Works on a fresh folder for its file system, removed at the end.
+  Device(Trace& trace, LibraryLoader& loader);
+  ~Device();
+  Device(const Device&) = delete;
+  Device& operator=(const Device&) = delete;
+
+  DeviceState state;
+  Clock clock;
+  Trace& trace;
+  LibraryLoader& loader;
+
+  // The host's path of a path on the device.
+  std::filesystem::path hostPath(const std::string& devicePath) const;
+
+  void setVersion(double version);
+
+  // ---- Processes, in the order in which they started
+  Process* process(const std::string& identifier);  // null if it does not run
+  Process* springBoard() { return process(kSpringBoard); }
+  std::vector<Process*> processes();
+  void bootSpringBoard();
+  // An app's process starts: running, processDidLaunch:, its library, its own start-up.
+  void startApp(const std::string& identifier);
+  // Ends a process without a trace: its timers, observers, queued work and library go.
+  void endProcess(Process& process);
+
+  // ---- Time and order
+  // Runs one callback of a process: an autorelease pool around it, and a Fault ends the process
+  // with a crash line. False if the process died.
+  bool callback(Process& process, const std::function<void()>& body);
+  // Work to be done after the running callback. With a process, it goes when the process ends.
+  void enqueue(Process* process, std::function<void()> work);
+  void drain();
+  void advance(Microseconds span);
+
+  void postDarwin(const std::string& name);
+  void effect(const Process& process, const std::string& call);
+
+  // Handle spaces, unique over all processes so that a stale one is always found out.
+  Address nextObjectAddress();
+  Address selector(const std::string& name);
+  const std::string* selectorName(Address address) const;
+
+ private:
+  struct Queued {
+    std::uint64_t process = 0;  // number of the process it belongs to; 0: the device
+    std::function<void()> work;
+  };
+  std::filesystem::path root_;
+  std::list<std::unique_ptr<Process>> processes_;
+  std::list<std::unique_ptr<Process>> dead_;  // kept until nothing of theirs runs any more
+  std::deque<Queued> queue_;
+  int depth_ = 0;  // callbacks running
+  std::uint64_t started_ = 0;
+  Address nextObject_;
+  std::map<std::string, Address> selectors_;
+  std::map<Address, std::string> selectorNames_;
+};
+
+// What an app does when its process comes up, and SpringBoard when it boots. Implemented by the
+// platform classes (sim/platform/start_up.cpp).
+void startUpSpringBoard(Process& springBoard);
+void tellProcessLaunched(Process& springBoard, const std::string& app);
+void startUpApp(Process& app);
+
+}  // namespace sim

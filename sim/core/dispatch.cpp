@@ -1,0 +1,190 @@
+// Message sending and function calls: how a call finds its code, on whichever side it is.
+#include <fmt/format.h>
+
+#include "sim/core/class_definition.hpp"
+#include "sim/core/describe.hpp"
+#include "sim/core/device.hpp"
+
+namespace sim {
+
+namespace {
+
+std::string unrecognized(const Object& receiver, const std::string& selector) {
+  const auto* cls = dynamic_cast<const Class*>(&receiver);
+  return fmt::format("{}[{} {}]: unrecognized selector", cls ? '+' : '-', receiver.isa->name,
+                     selector);
+}
+
+}  // namespace
+
+Value Process::send(Object* receiver, const std::string& selector, std::vector<Value> arguments) {
+  if (!receiver) return Value::none();
+  return dispatch(*receiver, selector, nullptr, &arguments, Caller::Platform);
+}
+
+Value Process::messageFromLibrary(ArgumentSource& source) {
+  const Address receiver = source.next(Kind::Object).bits;
+  const Address name = source.next(Kind::Selector).bits;
+  if (receiver == 0) return Value::none();
+  const std::string& selector = selectorName(name);
+  Object* target = object(receiver);
+  return dispatch(*target, selector, &source, nullptr, Caller::Library);
+}
+
+// Arguments come either ready (from platform code) or still in the caller's registers.
+Value Process::dispatch(Object& receiver, const std::string& selector, ArgumentSource* source,
+                        std::vector<Value>* arguments, Caller caller) {
+  throwDeferredFault();
+  Method* method = receiver.isa->find(selector);
+  if (!method) throw Fault(unrecognized(receiver, selector));
+  std::vector<Value> values;
+  if (arguments) {
+    values = std::move(*arguments);
+    if (values.size() != method->signature.arguments.size())
+      throw std::logic_error("platform code sends " + selector + " with a wrong argument count");
+  } else {
+    for (const Kind kind : method->signature.arguments) values.push_back(source->next(kind));
+    if (method->signature.variadic) source->beginVariadic();
+  }
+  const Implementation implementation = method->implementation;  // hooks may change the method
+  const Signature signature = method->signature;
+  return callImplementation(implementation, signature, &receiver, selector, std::move(values),
+                            signature.variadic ? source : nullptr, caller);
+}
+
+Value Process::callImplementation(const Implementation& implementation, const Signature& signature,
+                                  Object* self, const std::string& name,
+                                  std::vector<Value> arguments, ArgumentSource* rest,
+                                  Caller caller) {
+  Invocation invocation{*this, self, name, std::move(arguments), rest, caller};
+  if (implementation.native) return runNative(*implementation.native, invocation);
+  if (device.trace.wantsAllCalls()) device.effect(*this, described(invocation));
+  std::vector<Value> all;
+  if (self) {
+    all.push_back(Value::object(self->address));
+    all.push_back(Value::of(Kind::Selector, selector(name)));
+  }
+  all.insert(all.end(), invocation.arguments.begin(), invocation.arguments.end());
+  return library_->call(implementation.library, signature.result, all);
+}
+
+Value Process::runNative(const NativeCode& code, Invocation& invocation) {
+  if (!code.relay && (code.effect || device.trace.wantsAllCalls()))
+    device.effect(*this, code.describe ? code.describe(invocation) : described(invocation));
+  return code.run(invocation);
+}
+
+Value Process::callFromLibrary(const std::shared_ptr<const NativeCode>& code, bool isMethod,
+                               ArgumentSource& source) {
+  Invocation invocation{*this, nullptr, code->name, {}, nullptr, Caller::Library};
+  if (isMethod) {
+    invocation.self = object(source.next(Kind::Object).bits);
+    source.next(Kind::Selector);
+    if (!invocation.self) throw Fault(code->name + " called on nothing");
+  }
+  for (const Kind kind : code->signature.arguments)
+    invocation.arguments.push_back(source.next(kind));
+  if (code->signature.variadic) {
+    source.beginVariadic();
+    invocation.rest = &source;
+  }
+  return runNative(*code, invocation);
+}
+
+// ---- C functions
+
+void Process::installFunctions() {
+  for (const auto& code : platformFunctions()) functions_[code->name] = {code, 0, 0};
+}
+
+Value Process::functionFromLibrary(const std::string& name, ArgumentSource& source) {
+  if (name == "objc_msgSend") return messageFromLibrary(source);
+  const auto found = functions_.find(name);
+  if (found == functions_.end()) throw Fault("the platform has no function " + name);
+  if (found->second.replacement == 0) return callFromLibrary(found->second.native, false, source);
+  std::vector<Value> arguments;
+  for (const Kind kind : found->second.native->signature.arguments)
+    arguments.push_back(source.next(kind));
+  return callFunction(name, std::move(arguments));
+}
+
+Value Process::callFunction(const std::string& name, std::vector<Value> arguments) {
+  const Function& function = functions_.at(name);
+  const Implementation implementation = function.replacement
+                                            ? Implementation{{}, function.replacement}
+                                            : Implementation{function.native, 0};
+  return callImplementation(implementation, function.native->signature, nullptr, name,
+                            std::move(arguments), nullptr, Caller::Platform);
+}
+
+Address Process::symbol(const std::string& name) {
+  const auto found = functions_.find(name);
+  if (found == functions_.end()) return platformVariable(name);
+  Function& function = found->second;
+  if (!function.exposed) {
+    // What is handed out goes by the name, so that it meets a replacement made later.
+    auto entry = std::make_shared<NativeCode>(*function.native);
+    entry->relay = true;
+    entry->run = [name](Invocation& invocation) {
+      return invocation.process.callFunction(name, invocation.arguments);
+    };
+    entry->describe = {};
+    function.exposed = library_->expose(std::move(entry), false);
+  }
+  return function.exposed;
+}
+
+// ---- Hooks
+
+void Process::hookMethod(Class* cls, const std::string& selector, Address replacement,
+                         Address slot) {
+  if (!cls || !replacement) return;
+  Method* found = cls->find(selector);
+  if (!found) return;
+  if (slot) {
+    // An inherited method is looked up again at each call; the class's own is taken as it is.
+    Implementation previous = found->implementation;
+    if (!cls->own(selector)) {
+      auto late = std::make_shared<NativeCode>();
+      late->name = selector;
+      late->relay = true;
+      late->signature = found->signature;
+      late->run = [cls, selector](Invocation& invocation) {
+        Method* method = cls->superclass->find(selector);
+        return invocation.process.callImplementation(
+            method->implementation, method->signature, invocation.self, selector,
+            invocation.arguments, invocation.rest, invocation.caller);
+      };
+      previous = {std::move(late), 0};
+    }
+    library_->writePointer(
+        slot, previous.native ? library_->expose(previous.native, true) : previous.library);
+  }
+  Method& own = cls->methods[selector] = *found;
+  own.implementation = {nullptr, replacement};
+}
+
+void Process::hookFunction(Address symbolAddress, Address replacement, Address slot) {
+  for (auto& [name, function] : functions_) {
+    if (!symbolAddress || function.exposed != symbolAddress) continue;
+    const Address previous =
+        function.replacement ? function.replacement : library_->expose(function.native, false);
+    if (slot) library_->writePointer(slot, previous);
+    function.replacement = replacement;
+    return;
+  }
+  if (symbolAddress) throw Fault("MSHookFunction of an address that is no function");
+}
+
+std::string Process::functionName(Address function) const {
+  if (function == 0) return "nil";
+  for (const auto& [name, known] : functions_)
+    if (known.exposed == function) return name;
+  throw Fault("an address that is no function");
+}
+
+bool Process::responds(Object& object, const std::string& selector) {
+  return object.isa->find(selector) != nullptr;
+}
+
+}  // namespace sim

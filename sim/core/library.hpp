@@ -1,0 +1,54 @@
+// The library as one process has it loaded. There are several ways of running it; the simulated
+// world knows only this interface: it calls code at an address, and reads and writes the memory
+// that the ABI hands over.
+#pragma once
+#include <memory>
+#include <vector>
+
+#include "sim/core/class.hpp"
+
+namespace sim {
+
+class Library {
+ public:
+  virtual ~Library() = default;
+
+  // Runs the load-time constructor. May throw Fault.
+  virtual void runInitialisers() = 0;
+
+  // Calls code in the library: `fixed` are all its arguments, hidden ones included. May throw
+  // Fault.
+  virtual Value call(Address code, Kind result, const std::vector<Value>& fixed) = 0;
+
+  // An address at which the library can call platform code: as a method with the two hidden
+  // arguments (`isMethod`), or as a C function. Valid for the process's life.
+  virtual Address expose(std::shared_ptr<const NativeCode> code, bool isMethod) = 0;
+
+  // The address of one of the platform's variables that the library links against.
+  virtual Address variable(const std::string& name) = 0;
+
+  // Memory. Reads and writes outside of what the process may touch throw Fault.
+  virtual void read(Address from, void* to, std::size_t size) const = 0;
+  virtual void write(Address to, const void* from, std::size_t size) = 0;
+  virtual Address allocate(std::size_t size) = 0;  // zeroed; freed memory is never handed out again
+  virtual void deallocate(Address memory) = 0;
+
+  virtual unsigned pointerSize() const = 0;
+  // Ranges of the library's own variables, for the search for leaks: (address, size).
+  virtual std::vector<std::pair<Address, std::size_t>> data() const = 0;
+
+  std::string readText(Address from) const;
+  Address readPointer(Address from) const;
+  void writePointer(Address to, Address value);
+};
+
+// Makes the library of a process that starts.
+class LibraryLoader {
+ public:
+  virtual ~LibraryLoader() = default;
+  virtual std::unique_ptr<Library> load(Process& process) = 0;
+  // kCFCoreFoundationVersionNumber, for every process.
+  virtual void setVersion(double version) = 0;
+};
+
+}  // namespace sim

@@ -1,0 +1,52 @@
+// Objects that live in the library's own memory: constant strings and block literals.
+#include "sim/core/device.hpp"
+#include "sim/foundation/block.hpp"
+#include "sim/foundation/string.hpp"
+
+namespace sim {
+
+// What stands at an address outside the heap, known by its class word.
+Object* Process::literal(Address address) {
+  if (const auto known = literals_.find(address); known != literals_.end())
+    return known->second.get();
+  if (!library_) throw Fault("an object address that was never handed out");
+  const Address isa = library_->readPointer(address);
+  if (isa == library_->variable("__CFConstantStringClassReference")) {
+    const unsigned word = library_->pointerSize();
+    std::string text(library_->readPointer(address + 3 * word), '\0');
+    library_->read(library_->readPointer(address + 2 * word), text.data(), text.size());
+    auto* string = new NSString(*this, std::move(text), /*constant=*/true);
+    adopt(string, requireClass("NSString"), address);
+    literals_[address] = Ref<Object>(string);
+    return string;
+  }
+  const bool onStack = isa == library_->variable("_NSConcreteStackBlock");
+  if (onStack || isa == library_->variable("_NSConcreteGlobalBlock")) {
+    auto* block = new Block(*this, onStack ? Block::Where::Stack : Block::Where::Global);
+    block->isa = &requireClass("NSBlock");
+    block->address = address;
+    transients_.push_back(Ref<Object>(block));
+    return block;
+  }
+  throw Fault("an address that is no object");
+}
+
+// Exported variables that hold a string: dlsym gives the variable's address.
+Address Process::platformVariable(const std::string& name) {
+  static const std::map<std::string, std::string> strings = {
+      {"ACAccountTypeIdentifierTwitter", "com.apple.twitter"},
+      {"SLServiceTypeTwitter", "SLServiceTypeTwitter"},
+  };
+  const auto text = strings.find(name);
+  if (text == strings.end() || !isSpringBoard()) return 0;
+  Address& variable = variables_[name];
+  if (!variable) {
+    auto* string = new NSString(*this, text->second, /*constant=*/true);
+    adopt(string, requireClass("NSString"));
+    variable = library_->allocate(library_->pointerSize());
+    library_->writePointer(variable, string->address);
+  }
+  return variable;
+}
+
+}  // namespace sim

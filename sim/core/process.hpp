@@ -1,0 +1,142 @@
+// One process of the simulated device: its heap, its classes, its copy of the library.
+#pragma once
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "sim/core/class.hpp"
+#include "sim/core/clock.hpp"
+#include "sim/core/library.hpp"
+
+namespace sim {
+
+class Device;
+
+class Process {
+ public:
+  Process(Device& device, std::string identifier);
+  ~Process();
+  Process(const Process&) = delete;
+  Process& operator=(const Process&) = delete;
+
+  Device& device;
+  const std::string identifier;  // the bundle identifier, also its name in traces
+  bool isSpringBoard() const;
+
+  // Loads the library and runs its constructor, as one part of the current callback.
+  void loadLibrary();
+  Library& library() { return *library_; }
+  bool hasLibrary() const { return library_ != nullptr; }
+
+  // ---- Classes
+  Class* findClass(const std::string& name);     // null if this process has none of that name
+  Class& requireClass(const std::string& name);  // platform code: must be there
+  Class& createClass(const std::string& name, Class* superclass);  // with its metaclass
+  void registerClass(Class& cls);                                  // now findClass sees it
+  void removeClass(const std::string& name);                       // its objects stay
+  Address selector(const std::string& name);
+  const std::string& selectorName(Address selector) const;  // Fault if it is none
+
+  // ---- Objects
+  // A new object of a simulated class, with no reference yet but the one returned.
+  template <class T, class... A>
+  Ref<T> make(const std::string& className, A&&... arguments) {
+    auto* object = new T(*this, std::forward<A>(arguments)...);
+    adopt(object, requireClass(className));
+    return Ref<T>(object);
+  }
+  // Enters an object into the heap: gives it its address and class.
+  void adopt(Object* object, Class& isa, Address address = 0);
+  // +alloc: an instance by the class's factory.
+  Ref<Object> allocateInstance(Class& cls);
+  // The object at an address the library passed; null for 0. Fault if there is none (any more).
+  Object* object(Address address);
+  // The one instance that platform code keeps under a name, made at first use.
+  template <class T>
+  T& shared(const std::string& className) {
+    Ref<Object>& slot = shared_[className];
+    if (!slot) slot = make<T>(className);
+    return static_cast<T&>(*slot);
+  }
+  void free(Object& object);     // its last reference went: dealloc, then destruction
+  void destroy(Object& object);  // what NSObject's dealloc does in the end
+  Ref<Object> autorelease(Ref<Object> object);  // also returns it
+  // A Fault met where none may be thrown (the end of a reference) strikes at the next chance.
+  void deferFault(const std::string& reason);
+  void throwDeferredFault();
+
+  Address pushPool();
+  void popPool(Address pool);
+
+  // ---- Calls
+  // Sends a message as platform code does. A nil receiver answers zero.
+  Value send(Object* receiver, const std::string& selector, std::vector<Value> arguments = {});
+  // The library sends a message: receiver, selector and arguments still to be read.
+  Value messageFromLibrary(ArgumentSource& source);
+  // The library calls platform code.
+  Value callFromLibrary(const std::shared_ptr<const NativeCode>& code, bool isMethod,
+                        ArgumentSource& source);
+  // The library calls a C function by its name (one of the imports).
+  Value functionFromLibrary(const std::string& name, ArgumentSource& source);
+  // Platform code calls a C function that the library may have replaced.
+  Value callFunction(const std::string& name, std::vector<Value> arguments);
+  // Runs what stands behind a method or function, on either side.
+  Value callImplementation(const Implementation& implementation, const Signature& signature,
+                           Object* self, const std::string& name, std::vector<Value> arguments,
+                           ArgumentSource* rest, Caller caller);
+  // Runs a native with its trace line.
+  Value runNative(const NativeCode& code, Invocation& invocation);
+
+  bool responds(Object& object, const std::string& selector);
+
+  // ---- Hooks (what Substrate does)
+  void hookMethod(Class* cls, const std::string& selector, Address replacement, Address slot);
+  void hookFunction(Address function, Address replacement, Address slot);
+  // An exported C function or variable by name, as dlsym finds it; 0 if there is none.
+  Address symbol(const std::string& name);
+  // The name of the function that symbol() gave out at that address; "nil" for 0.
+  std::string functionName(Address function) const;
+
+  // ---- The platform's own bookkeeping for this process
+  std::set<Clock::TimerId> timers;  // cancelled when the process ends
+  struct Observer {
+    std::string name;
+    Address callback = 0;
+    bool darwin = true;
+  };
+  std::vector<Observer> observers;  // in order of registration
+  std::uint64_t number = 0;         // the device's count of process starts
+
+  // Objects whose references by the library nothing of the library's reaches any more.
+  std::vector<std::string> leaks();
+
+ private:
+  Value dispatch(Object& receiver, const std::string& selector, ArgumentSource* source,
+                 std::vector<Value>* arguments, Caller caller);
+  Object* literal(Address address);
+  Address platformVariable(const std::string& name);
+  void installClasses();
+  void installFunctions();
+
+  std::map<std::string, Class*> classes_;
+  std::unordered_map<Address, Object*> heap_;
+  std::unordered_map<Address, std::string> freed_;  // address -> class, to name the culprit
+  std::vector<std::vector<Ref<Object>>> pools_;
+  std::map<std::string, Ref<Object>> shared_;
+  struct Function {
+    std::shared_ptr<const NativeCode> native;
+    Address replacement = 0;
+    Address exposed = 0;
+  };
+  std::map<std::string, Function> functions_;
+  std::map<std::string, Address> variables_;
+  std::map<Address, Ref<Object>> literals_;  // constant strings in the library's data
+  std::string deferredFault_;
+  std::vector<Ref<Object>> transients_;  // block literals seen in the current callback
+  std::unique_ptr<Library> library_;
+};
+
+}  // namespace sim

@@ -1,0 +1,51 @@
+// CoreFoundation's notification centers, arrays and reference counts.
+#include <fmt/format.h>
+
+#include "sim/core/trace.hpp"
+#include "sim/foundation/string.hpp"
+#include "sim/platform/functions.hpp"
+
+namespace sim {
+
+namespace {
+
+// The two centers are opaque; nobody looks inside.
+constexpr Address kDarwinCenter = 0x41000000;
+constexpr Address kLocalCenter = 0x41000010;
+
+Pointer darwinCenter(Process&) { return {kDarwinCenter}; }
+Pointer localCenter(Process&) { return {kLocalCenter}; }
+
+void addObserver(Process& process, Pointer center, Pointer, Pointer callback, NSString* name,
+                 Pointer, long behavior) {
+  constexpr long kDeliverImmediately = 4;
+  if (center.address != kDarwinCenter && center.address != kLocalCenter)
+    throw Fault("CFNotificationCenterAddObserver on an unknown center");
+  if (!name || !callback.address) throw Fault("an observer without name or callback");
+  if (behavior != kDeliverImmediately) throw Fault("an observer that is not delivered at once");
+  process.observers.push_back({name->text, callback.address, center.address == kDarwinCenter});
+}
+
+std::string describeObserver(const Invocation& invocation) {
+  const bool darwin = invocation.arguments[0].bits == kDarwinCenter;
+  return fmt::format("CFNotificationCenterAddObserver({}, {})", darwin ? "darwin" : "local",
+                     invocation.object(3) ? invocation.object(3)->description() : "nil");
+}
+
+void cfRelease(Process&, Object* object) {
+  if (!object) throw Fault("CFRelease of NULL");
+  object->libraryRelease();
+}
+
+}  // namespace
+
+Functions coreFoundationFunctions() {
+  return {
+      bindFunction("CFNotificationCenterGetDarwinNotifyCenter", &darwinCenter),
+      bindFunction("CFNotificationCenterGetLocalCenter", &localCenter),
+      effect(bindFunction("CFNotificationCenterAddObserver", &addObserver), describeObserver),
+      bindFunction("CFRelease", &cfRelease),
+  };
+}
+
+}  // namespace sim

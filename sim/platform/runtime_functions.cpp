@@ -1,0 +1,87 @@
+// libobjc's C functions.
+#include "sim/platform/functions.hpp"
+
+namespace sim {
+
+namespace {
+
+Class* getClass(Process& process, std::string name) { return process.findClass(name); }
+
+Selector registerName(Process& process, std::string name) { return {process.selector(name)}; }
+
+Class* getObjectClass(Process&, Object* object) { return object ? object->isa : nullptr; }
+
+bool addMethod(Process& process, Class* cls, Selector name, Pointer code, std::string types) {
+  const std::string& selector = process.selectorName(name.address);
+  if (!cls || cls->own(selector)) return false;
+  if (code.address == 0) throw Fault("class_addMethod of no implementation");
+  cls->methods[selector] = {selector, Signature::fromEncoding(types), {nullptr, code.address}};
+  return true;
+}
+
+Class* allocateClassPair(Process& process, Class* superclass, std::string name, unsigned long) {
+  if (!superclass || process.findClass(name)) return nullptr;
+  return &process.createClass(name, superclass);
+}
+
+void registerClassPair(Process& process, Class* cls) {
+  if (!cls) throw Fault("objc_registerClassPair of no class");
+  process.registerClass(*cls);
+}
+
+void setAssociated(Process&, Object* object, Pointer key, Object* value, unsigned long policy) {
+  if (!object) {
+    if (value) throw Fault("objc_setAssociatedObject on nil");
+    return;
+  }
+  object->associate(key.address, value, policy);
+}
+
+Object* getAssociated(Process&, Object* object, Pointer key) {
+  return object ? object->associated(key.address) : nullptr;
+}
+
+void enumerationMutation(Process&, Object* collection) {
+  throw Fault((collection ? collection->description() : "nil") +
+              " was mutated while being enumerated");
+}
+
+Pointer poolPush(Process& process) { return {process.pushPool()}; }
+void poolPop(Process& process, Pointer pool) { process.popPool(pool.address); }
+
+Object* retain(Process&, Object* object) {
+  if (object) object->libraryRetain();
+  return object;
+}
+void release(Process&, Object* object) {
+  if (object) object->libraryRelease();
+}
+Object* autorelease(Process& process, Object* object) {
+  if (!object) return nullptr;
+  process.autorelease(Ref<Object>(object));
+  object->libraryRelease();
+  return object;
+}
+
+}  // namespace
+
+Functions runtimeFunctions() {
+  return {
+      bindFunction("objc_getClass", &getClass),
+      bindFunction("sel_registerName", &registerName),
+      bindFunction("object_getClass", &getObjectClass),
+      bindFunction("class_addMethod", &addMethod),
+      bindFunction("objc_allocateClassPair", &allocateClassPair),
+      bindFunction("objc_registerClassPair", &registerClassPair),
+      bindFunction("objc_setAssociatedObject", &setAssociated),
+      bindFunction("objc_getAssociatedObject", &getAssociated),
+      bindFunction("objc_enumerationMutation", &enumerationMutation),
+      bindFunction("objc_autoreleasePoolPush", &poolPush),
+      bindFunction("objc_autoreleasePoolPop", &poolPop),
+      bindFunction("objc_retain", &retain),
+      bindFunction("objc_release", &release),
+      bindFunction("objc_autorelease", &autorelease),
+  };
+}
+
+}  // namespace sim

@@ -1,0 +1,38 @@
+// Cydia Substrate.
+#include <fmt/format.h>
+
+#include "sim/platform/functions.hpp"
+
+namespace sim {
+
+namespace {
+
+void hookMessage(Process& process, Class* cls, Selector name, Pointer replacement, Pointer slot) {
+  process.hookMethod(cls, process.selectorName(name.address), replacement.address, slot.address);
+}
+
+void hookFunction(Process& process, Pointer function, Pointer replacement, Pointer slot) {
+  process.hookFunction(function.address, replacement.address, slot.address);
+}
+
+std::string describeMethod(const Invocation& invocation) {
+  const auto* cls = invocation.object(0);
+  return fmt::format("MSHookMessageEx({}, {})", cls ? cls->description() : "nil",
+                     invocation.process.selectorName(invocation.arguments[1].bits));
+}
+
+std::string describeFunction(const Invocation& invocation) {
+  return fmt::format("MSHookFunction({})",
+                     invocation.process.functionName(invocation.arguments[0].bits));
+}
+
+}  // namespace
+
+Functions substrateFunctions() {
+  return {
+      effect(bindFunction("MSHookMessageEx", &hookMessage), describeMethod),
+      effect(bindFunction("MSHookFunction", &hookFunction), describeFunction),
+  };
+}
+
+}  // namespace sim
