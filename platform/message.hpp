@@ -72,6 +72,13 @@ template <Literal Name, class R = void, class... A>
     return detail::received<R>(method(receiver.raw, selector<Name>(), detail::pass(arguments)...));
 }
 
+// Sends a message whose name is known only at run time, as when one is forwarded.
+template <class R = void, class... A>
+inline R sendNamed(Object receiver, SEL name, A... arguments) {
+  using Prototype = R (*)(id, SEL, A...);
+  return reinterpret_cast<Prototype>(&objc_msgSend)(receiver.raw, name, arguments...);
+}
+
 // Sends a variadic message. As many arguments as the name has colons belong to the method's
 // prototype, the rest is its variadic part, which 64-bit devices pass on the stack. Lists that a
 // nil ends must be given one.

@@ -1,0 +1,44 @@
+#include "apps/play_redirect.hpp"
+
+#include "loader/preferences.hpp"
+#include "loader/signals.hpp"
+
+namespace corvalen::apps {
+
+using namespace platform;
+
+namespace {
+
+// SpringBoard has a now-playing item. One byte without a lock: a stale read decides one command.
+constinit bool playsElsewhere = false;
+
+}  // namespace
+
+void nowPlaying(CFNotificationCenterRef, void*, CFStringRef, const void*, CFTypeRef) {
+  playsElsewhere = true;
+}
+
+void nothingPlaying(CFNotificationCenterRef, void*, CFStringRef, const void*, CFTypeRef) {
+  playsElsewhere = false;
+}
+
+// The file is read at each command: an app has no other way to know of a change.
+Boolean PlayCommand::replacement(uint32_t command, id options) {
+  if (command != static_cast<uint32_t>(MediaCommand::play) &&
+      command != static_cast<uint32_t>(MediaCommand::toggle))
+    return previous(command, options);
+  bool enabled = false;
+  Retained<NSString> player;
+  {
+    const auto settings = preferences::read();
+    enabled = preferences::boolean(settings.get(), preferences::key::masterSwitch());
+    player =
+        preferences::asText(settings->objectForKey(preferences::key::preferredPlayer())).copy();
+  }
+  if (playsElsewhere || !enabled) return previous(command, options);
+  // Without a player chosen the command is lost: redirection is on, but to nothing.
+  if (player->length() != 0) notify_post(signals::kLaunchPlayer);
+  return 0;
+}
+
+}  // namespace corvalen::apps

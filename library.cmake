@@ -1,0 +1,28 @@
+# The sources of the library: the same for the phone and for the host.
+set(CORVALEN_LIBRARY_SOURCES
+  loader/constructor.cpp
+  loader/installer.cpp
+  loader/preferences.cpp
+  springboard/session.cpp
+  springboard/launcher.cpp
+  springboard/launch_watch.cpp
+  springboard/music_replacement.cpp
+  springboard/media_controls.cpp
+  springboard/remote_commands.cpp
+  springboard/signal_handlers.cpp
+  springboard/headphones.cpp
+  springboard/title_display.cpp
+  springboard/lock_screen.cpp
+  springboard/app_switcher.cpp
+  springboard/process_tracking.cpp
+  springboard/widgets.cpp
+  apps/auto_play.cpp
+  apps/spotify.cpp
+  apps/podcasts.cpp
+  apps/play_redirect.cpp
+  apps/garmin.cpp
+  ui/block_timer.cpp
+  ui/block_alert.cpp
+  welcome/greeting.cpp
+  welcome/follow_handler.cpp
+)

@@ -1,0 +1,79 @@
+#include "loader/preferences.hpp"
+
+#include "springboard/title_display.hpp"
+
+namespace corvalen::preferences {
+
+using platform::NSDictionary;
+using platform::NSNumber;
+using platform::NSObject;
+using platform::Retained;
+
+constinit NSMutableDictionary preferencesDictionary{};
+
+namespace {
+
+// What a new file holds: every switch off, no app chosen.
+Retained<NSMutableDictionary> defaults() {
+  const NSNumber redirection = NSNumber::numberWithBool(false);
+  const NSNumber hiddenWhenLocked = NSNumber::numberWithBool(false);
+  const NSNumber hiddenWhenUnlocked = NSNumber::numberWithBool(false);
+  const NSNumber autoPlay = NSNumber::numberWithBool(false);
+  const NSNumber sound = NSNumber::numberWithBool(false);
+  const NSNumber noAutoPlayFromIcon = NSNumber::numberWithBool(false);
+  const NSNumber headphones = NSNumber::numberWithBool(false);
+  return NSMutableDictionary::copyOf(NSDictionary::dictionaryWithObjectsAndKeys(
+      redirection, key::masterSwitch(), hiddenWhenLocked, key::startHiddenWhenLocked(),
+      hiddenWhenUnlocked, key::startHiddenWhenUnlocked(), autoPlay, key::autoPlay(), sound,
+      key::playLaunchSound(), noAutoPlayFromIcon, key::noAutoPlayFromIcon(), headphones,
+      key::headphoneTrigger()));
+}
+
+}  // namespace
+
+NSString path() {
+  return NSString::stringWithFormat("/var/mobile/Library/Preferences/%@.plist"_ns,
+                                    "com.qvethmar.corvalenpro"_ns);
+}
+
+Retained<NSMutableDictionary> read() { return NSMutableDictionary::withContentsOfFile(path()); }
+
+void loadPreferences() {
+  if (preferencesDictionary) {
+    objc_release(preferencesDictionary.raw);
+    preferencesDictionary = {};
+  }
+  preferencesDictionary = read().leak();
+  if (!preferencesDictionary || preferencesDictionary.count() == 0) {
+    // An empty dictionary is not released here but left to the pool.
+    objc_autorelease(preferencesDictionary.raw);
+    preferencesDictionary = defaults().leak();
+    preferencesDictionary.writeToFile(path(), true);
+  }
+  springboard::refreshTitleViews();
+}
+
+bool asBoolean(Object object) {
+  if (!platform::as<NSObject>(object).respondsTo(platform::selector<"boolValue">())) return false;
+  return platform::send<"boolValue", bool>(object);
+}
+
+// Asked by class: data has a length too, but is no text.
+NSString asText(Object object) {
+  const bool isText = platform::as<NSObject>(object).isKindOfClass(NSString::cls());
+  return isText ? platform::as<NSString>(object) : NSString{};
+}
+
+bool boolean(NSDictionary dictionary, NSString key) {
+  return asBoolean(dictionary.objectForKey(key));
+}
+
+bool boolean(NSString key) { return boolean(preferencesDictionary, key); }
+
+NSString text(NSString key) { return asText(preferencesDictionary.objectForKey(key)); }
+
+bool isPresent(NSString key) {
+  return static_cast<bool>(preferencesDictionary.objectForKeyedSubscript(key));
+}
+
+}  // namespace corvalen::preferences

@@ -1,0 +1,61 @@
+// What the rows of the hook tables are made of.
+#pragma once
+#include <span>
+
+#include "platform/foundation.hpp"
+#include "platform/hook.hpp"
+#include "platform/version.hpp"
+
+namespace corvalen::loader {
+
+using platform::MethodRow;
+
+// A band of versions: from `first` on, up to `last`, which belongs to it or not.
+struct VersionBand {
+  double first;
+  double last;
+  bool includesLast;
+
+  bool contains(double version) const {
+    return first <= version && (version < last || (includesLast && version == last));
+  }
+};
+
+inline constexpr double kNoLimit = 1e9;
+consteval VersionBand always() { return {0, kNoLimit, true}; }
+consteval VersionBand from(double first) { return {first, kNoLimit, true}; }
+consteval VersionBand below(double last) { return {0, last, false}; }
+consteval VersionBand fromBelow(double first, double last) { return {first, last, false}; }
+consteval VersionBand fromThrough(double first, double last) { return {first, last, true}; }
+
+// Methods of one class that are replaced under one condition, after one look-up of the class.
+struct HookGroup {
+  const char* className;
+  std::span<const MethodRow> rows;
+  VersionBand versions;
+};
+
+// A constant text, made when it is asked for: a table cannot hold its address at compile time.
+using Text = platform::NSString (*)();
+
+// One method that is replaced if a file is there.
+struct AddOnRow {
+  Text path;
+  const char* className;
+  MethodRow row;
+};
+
+// One notification that is observed, on the Darwin or on the local center.
+struct ObserverRow {
+  Text name;
+  CFNotificationCallback callback;
+  bool isDarwin;
+};
+consteval ObserverRow darwin(Text name, CFNotificationCallback callback) {
+  return {name, callback, true};
+}
+consteval ObserverRow local(Text name, CFNotificationCallback callback) {
+  return {name, callback, false};
+}
+
+}  // namespace corvalen::loader

@@ -1,0 +1,61 @@
+// C functions of frameworks that are loaded only when they are needed.
+#pragma once
+#include "platform/object.hpp"
+
+namespace platform {
+
+namespace detail {
+// A function of a framework, or null where it cannot be loaded.
+template <class Function>
+Function* frameworkFunction(const char* framework, const char* symbol) {
+  void* const image = dlopen(framework, kLoadLazily);
+  return image ? reinterpret_cast<Function*>(dlsym(image, symbol)) : nullptr;
+}
+}  // namespace detail
+
+// Plays a system sound by its number. Stands on AudioServicesPlaySystemSound.
+inline void playSystemSound(uint32_t sound) {
+  auto* const play = detail::frameworkFunction<void(uint32_t)>(
+      "/System/Library/Frameworks/AudioToolbox.framework/AudioToolbox",
+      "AudioServicesPlaySystemSound");
+  if (play) play(sound);
+}
+
+// SCNetworkReachabilityFlags.
+enum ReachabilityFlags : uint32_t {
+  kReachable = 1 << 1,
+  kConnectionRequired = 1 << 2,
+  kConnectionOnTraffic = 1 << 3,
+  kInterventionRequired = 1 << 4,
+  kConnectionOnDemand = 1 << 5,
+  kCellular = 1 << 18,
+};
+
+// An IPv4 socket address as the system lays it out.
+struct SocketAddress {
+  uint8_t length = 16;
+  uint8_t family = 2;  // IPv4
+  uint16_t port = 0;
+  uint32_t address = 0;
+  uint8_t zero[8] = {};
+};
+static_assert(sizeof(SocketAddress) == 16);
+
+// The flags of the route to an address. False if they cannot be had. Stands on
+// SCNetworkReachabilityCreateWithAddress and SCNetworkReachabilityGetFlags.
+inline bool reachabilityFlags(const SocketAddress& address, uint32_t* flags) {
+  constexpr const char* kFramework =
+      "/System/Library/Frameworks/SystemConfiguration.framework/SystemConfiguration";
+  auto* const create = detail::frameworkFunction<CFTypeRef(CFTypeRef, const void*)>(
+      kFramework, "SCNetworkReachabilityCreateWithAddress");
+  auto* const getFlags = detail::frameworkFunction<Boolean(CFTypeRef, uint32_t*)>(
+      kFramework, "SCNetworkReachabilityGetFlags");
+  if (!create || !getFlags) return false;
+  const CFTypeRef reachability = create(nullptr, &address);
+  if (!reachability) return false;
+  const bool obtained = getFlags(reachability, flags) != 0;
+  CFRelease(reachability);
+  return obtained;
+}
+
+}  // namespace platform

@@ -1,0 +1,20 @@
+// The platform's version, read afresh at each test.
+#pragma once
+#include "platform/c_abi.hpp"
+
+namespace platform {
+
+inline double version() { return kCFCoreFoundationVersionNumber; }
+
+// Where behaviour changes: the values that the releases report.
+inline constexpr double kIOS7_0 = 847.2;
+inline constexpr double kIOS7_1 = 847.24;
+inline constexpr double kIOS8 = 900.0;  // below every iOS 8, above every iOS 7
+inline constexpr double kIOS8_4 = 1145.15;
+inline constexpr double kIOS9 = 1240.1;
+inline constexpr double kLastSupported = 1280.0;
+
+// Between the first and the last supported release, both included.
+inline bool versionIsSupported() { return kIOS7_0 <= version() && version() <= kLastSupported; }
+
+}  // namespace platform

@@ -1,0 +1,76 @@
+#include "springboard/media_controls.hpp"
+
+#include "loader/preferences.hpp"
+#include "platform/version.hpp"
+#include "springboard/launcher.hpp"
+#include "springboard/music_replacement.hpp"
+#include "springboard/session.hpp"
+
+namespace corvalen::springboard {
+
+using namespace platform;
+
+namespace key = preferences::key;
+
+namespace {
+
+NSInteger playPauseControlType() {
+  const bool renumbered = kIOS8_4 <= version() && version() <= kLastSupported;
+  return renumbered ? 3 : 4;
+}
+
+bool startsPlayingByItself(NSString app) {
+  return app.isEqualToString("com.spotify.client"_ns) ||
+         app.isEqualToString("com.apple.podcasts"_ns);
+}
+
+}  // namespace
+
+void TransportControlTap::replacement(id self, SEL name, id view, NSInteger controlType) {
+  const PlayRedirect decision = evaluatePlayRedirect();
+  if (decision.verdict == Verdict::passThrough || controlType != playPauseControlType())
+    return previous(self, name, view, controlType);
+  if (decision.verdict == Verdict::redirect)
+    launchPlayer(launchOptionsFromSettings(), decision.preferredPlayer);
+}
+
+void TitleTap::replacement(id self, SEL name, id titlesView) {
+  resetPendingLaunch();
+  const NSString replacement = musicReplacementForNowPlaying();
+  if (!replacement) return previous(self, name, titlesView);
+  openMusicReplacement(replacement);
+}
+
+void IconLaunch::replacement(id self, SEL name, id icon) {
+  const bool enabled = preferences::boolean(key::masterSwitch());
+  const NSString player = preferences::text(key::preferredPlayer());
+  const NSString app = view<SBIcon>(icon).applicationBundleID();
+  const bool running = applicationForIdentifier(app).isRunning();
+  if (enabled && player.length() != 0 && version() >= kIOS8 && running &&
+      app.isEqualToString(player)) {
+    // Marked as backgrounded, the scene comes to the front by a normal transition. The lookup is by
+    // bundle identifier on every version, unlike the one above.
+    stopLaunchWatch();
+    setSceneBackgrounded(applicationController.applicationWithBundleIdentifier(app), true);
+  }
+  if (startsPlayingByItself(app) && !running)
+    skipNextPlaySignal =
+        preferences::boolean(key::autoPlay()) && preferences::boolean(key::noAutoPlayFromIcon());
+  previous(self, name, icon);
+}
+
+BOOL ApplicationLaunch::replacement(id self, SEL name, id identifier, BOOL suspended) {
+  if (version() >= kIOS8 && !suspended && preferences::boolean(key::masterSwitch())) {
+    const NSString app = view<NSString>(identifier);
+    if (app.isEqualToString(preferences::text(key::preferredPlayer()))) {
+      const SBApplication player = applicationForIdentifier(app);
+      if (player.isRunning()) {
+        stopLaunchWatch();
+        setSceneBackgrounded(player, true);
+      }
+    }
+  }
+  return previous(self, name, identifier, suspended);
+}
+
+}  // namespace corvalen::springboard

@@ -1,0 +1,160 @@
+#include "ui/block_alert.hpp"
+
+#include "platform/added_method.hpp"
+#include "platform/block.hpp"
+
+namespace corvalen::ui {
+
+using namespace platform;
+
+namespace {
+
+// ---- What is stored with an alert
+
+// Addresses that serve as association keys; only their identity matters.
+template <Literal Getter>
+inline constexpr char kCallbackKey = 0;
+constexpr char kPreviousDelegateKey = 0;
+
+Object previousDelegate(id alert) {
+  return view(objc_getAssociatedObject(alert, &kPreviousDelegateKey));
+}
+
+// -_checkAlertViewDelegate: makes the alert its own delegate, once, and remembers the one before
+// without holding it.
+void checkDelegate(id self, SEL) {
+  const auto alert = view<UIAlertView>(self);
+  const Object delegate = alert.delegate();
+  if (delegate == alert) return;
+  objc_setAssociatedObject(self, &kPreviousDelegateKey, delegate.raw,
+                           static_cast<uintptr_t>(Association::assign));
+  alert.setDelegate(alert);
+}
+
+template <Literal Getter>
+BlockPointer callback(id self, SEL) {
+  return reinterpret_cast<BlockPointer>(objc_getAssociatedObject(self, &kCallbackKey<Getter>));
+}
+
+template <Literal Getter>
+void setCallback(id self, SEL, BlockPointer block) {
+  send<"_checkAlertViewDelegate">(view(self));
+  objc_setAssociatedObject(self, &kCallbackKey<Getter>, reinterpret_cast<id>(block),
+                           static_cast<uintptr_t>(Association::copy));
+}
+
+// ---- Delegate messages
+
+bool answers(Object delegate, SEL name) {
+  return delegate && as<NSObject>(delegate).respondsTo(name);
+}
+
+// A message about the alert alone: the callback, then the previous delegate.
+template <Literal Getter>
+void deliver(id self, SEL name, id alert) {
+  invokeBlock(send<Getter, Object>(view(alert)), alert);
+  const Object delegate = previousDelegate(self);
+  if (answers(delegate, name)) sendNamed(delegate, name, alert);
+}
+
+// A message about one of the alert's buttons.
+template <Literal Getter>
+void deliverButton(id self, SEL name, id alert, NSInteger button) {
+  invokeBlock(send<Getter, Object>(view(alert)), alert, button);
+  const Object delegate = previousDelegate(self);
+  if (answers(delegate, name)) sendNamed(delegate, name, alert, button);
+}
+
+// The one question among them: the callback's answer, else the previous delegate's, else YES.
+BOOL shouldEnableFirstOtherButton(id self, SEL name, id alert) {
+  const Object block = send<"shouldEnableFirstOtherButtonInOurBlock", Object>(view(alert));
+  if (block) return invokeBlock<BOOL>(block, alert);
+  const Object delegate = previousDelegate(self);
+  return answers(delegate, name) ? sendNamed<BOOL>(delegate, name, alert) : YES;
+}
+
+// ---- Showing
+
+UIAlertView show(ClassObject cls, NSString title, NSString message, NSInteger style,
+                 NSString cancelTitle, NSArray otherTitles, Object response) {
+  const NSUInteger others = otherTitles.count();
+  const NSString first = others ? as<NSString>(otherTitles.objectAtIndex(0)) : NSString{};
+  const auto alert = UIAlertView::make(cls, title, message, Object{}, cancelTitle, first);
+  alert->setAlertViewStyle(style);
+  if (others > 1)
+    enumerate(otherTitles.subarrayWithRange(1, others - 1),
+              [&alert](Object other) { alert->addButton(as<NSString>(other)); });
+  if (response) send<"setResponseBlock:">(alert.get(), response);
+  alert->show();
+  objc_retain(alert.get().raw);
+  return view<UIAlertView>(objc_autorelease(alert.get().raw));
+}
+
+// +showWithTitleCVP:message:style:cancelButtonTitle:otherButtonTitles:responseBlock:
+id showWithStyle(id self, SEL, id title, id message, NSInteger style, id cancelTitle,
+                 id otherTitles, BlockPointer response) {
+  return show(view<ClassObject>(self), view<NSString>(title), view<NSString>(message), style,
+              view<NSString>(cancelTitle), view<NSArray>(otherTitles),
+              view(reinterpret_cast<id>(response)))
+      .raw;
+}
+
+// +showWithTitleCVP:message:cancelButtonTitle:otherButtonTitles:responseBlock:
+id showWithDefaultStyle(id self, SEL name, id title, id message, id cancelTitle, id otherTitles,
+                        BlockPointer response) {
+  return showWithStyle(self, name, title, message, kDefaultAlertStyle, cancelTitle, otherTitles,
+                       response);
+}
+
+// ---- The category
+
+constexpr AddedMethod kClassMethods[] = {
+    addedMethod<&showWithStyle,
+                "showWithTitleCVP:message:style:cancelButtonTitle:otherButtonTitles:"
+                "responseBlock:">(),
+    addedMethod<&showWithDefaultStyle,
+                "showWithTitleCVP:message:cancelButtonTitle:otherButtonTitles:responseBlock:">(),
+};
+
+constexpr AddedMethod kMethods[] = {
+    addedMethod<&callback<"responseBlock">, "responseBlock">(),
+    addedMethod<&setCallback<"responseBlock">, "setResponseBlock:">(),
+    addedMethod<&callback<"willDismissOurBlock">, "willDismissOurBlock">(),
+    addedMethod<&setCallback<"willDismissOurBlock">, "setWillDismissOurBlock:">(),
+    addedMethod<&callback<"didDismissOurBlock">, "didDismissOurBlock">(),
+    addedMethod<&setCallback<"didDismissOurBlock">, "setDidDismissOurBlock:">(),
+    addedMethod<&callback<"willPresentOurBlock">, "willPresentOurBlock">(),
+    addedMethod<&setCallback<"willPresentOurBlock">, "setWillPresentOurBlock:">(),
+    addedMethod<&callback<"didPresentOurBlock">, "didPresentOurBlock">(),
+    addedMethod<&setCallback<"didPresentOurBlock">, "setDidPresentOurBlock:">(),
+    addedMethod<&callback<"cancelOurBlock">, "cancelOurBlock">(),
+    addedMethod<&setCallback<"cancelOurBlock">, "setCancelOurBlock:">(),
+    addedMethod<&callback<"shouldEnableFirstOtherButtonInOurBlock">,
+                "shouldEnableFirstOtherButtonInOurBlock">(),
+    addedMethod<&setCallback<"shouldEnableFirstOtherButtonInOurBlock">,
+                "setShouldEnableFirstOtherButtonInOurBlock:">(),
+    addedMethod<&checkDelegate, "_checkAlertViewDelegate">(),
+    addedMethod<&deliver<"willPresentOurBlock">, "willPresentAlertView:">(),
+    addedMethod<&deliver<"didPresentOurBlock">, "didPresentAlertView:">(),
+    addedMethod<&deliver<"cancelOurBlock">, "alertViewCancel:">(),
+    addedMethod<&deliverButton<"responseBlock">, "alertView:clickedButtonAtIndex:">(),
+    addedMethod<&deliverButton<"willDismissOurBlock">, "alertView:willDismissWithButtonIndex:">(),
+    addedMethod<&deliverButton<"didDismissOurBlock">, "alertView:didDismissWithButtonIndex:">(),
+    addedMethod<&shouldEnableFirstOtherButton, "alertViewShouldEnableFirstOtherButton:">(),
+};
+
+}  // namespace
+
+UIAlertView showAlert(NSString title, NSString message, NSString cancelTitle, NSArray otherTitles,
+                      Object response) {
+  return show(UIAlertView::cls(), title, message, kDefaultAlertStyle, cancelTitle, otherTitles,
+              response);
+}
+
+void registerAlertCategory() {
+  const Class cls = UIAlertView::cls().cls();
+  addMethods(metaclassOf(cls), kClassMethods);
+  addMethods(cls, kMethods);
+}
+
+}  // namespace corvalen::ui
