@@ -27,7 +27,7 @@ bool isHome(const Home& home, const Process& process) {
     case Home::Where::App:
       return process.identifier == home.name;
     case Home::Where::AddOn:
-      return process.isSpringBoard() && process.device.state.addOns.contains(home.name);
+      return process.isSpringBoard() && process.addOns.contains(home.name);
   }
   return false;
 }
@@ -36,17 +36,22 @@ bool isHome(const Home& home, const Process& process) {
 
 void ClassDefinition::install(Process& process) const {
   const DeviceState& state = process.device.state;
-  if (!isHome(home_, process) || state.missingClasses.contains(name_)) return;
-  Class* superclass = superclass_.empty() ? nullptr : process.findClass(superclass_);
-  if (!superclass_.empty() && !superclass) return;  // nothing without its superclass
+  const bool missing = state.missingClasses.contains(name_);
+  // The platform itself cannot do without what every process has: that is only not to be found.
+  const bool hidden = missing && home_.where == Home::Where::Everywhere;
+  if (!isHome(home_, process) || (missing && !hidden)) return;
+  Class* superclass = superclass_.empty() ? nullptr : &process.requireClass(superclass_);
   Class& cls = process.createClass(name_, superclass);
   if (factory_) cls.factory = factory_;
   for (const Row& row : rows_) {
-    if (!row.addOn.empty() && !state.addOns.contains(row.addOn)) continue;
+    if (!row.addOn.empty() && !process.addOns.contains(row.addOn)) continue;
     Class& target = row.onClass ? *cls.isa : cls;
     target.methods[row.code->name] = {row.code->name, row.code->signature, {row.code, 0}};
   }
-  process.registerClass(cls);
+  if (hidden)
+    process.hideClass(cls);
+  else
+    process.registerClass(cls);
 }
 
 }  // namespace sim

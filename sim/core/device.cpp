@@ -135,7 +135,8 @@ void Device::postDarwin(const std::string& name) {
   enqueue(nullptr, [this, name] {
     for (Process* process : processes()) {
       // A process may have died by what an earlier one did.
-      if (std::ranges::find(processes(), process) == processes().end()) continue;
+      const auto alive = processes();
+      if (std::ranges::find(alive, process) == alive.end()) continue;
       std::vector<Address> callbacks;
       for (const auto& observer : process->observers)
         if (observer.darwin && observer.name == name) callbacks.push_back(observer.callback);

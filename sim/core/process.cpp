@@ -6,7 +6,7 @@
 namespace sim {
 
 Process::Process(Device& device, std::string identifier)
-    : device(device), identifier(std::move(identifier)) {
+    : device(device), identifier(std::move(identifier)), addOns(device.state.addOns) {
   pools_.emplace_back();  // for what happens outside of any callback
   installClasses();
   installFunctions();
@@ -14,6 +14,7 @@ Process::Process(Device& device, std::string identifier)
 
 Process::~Process() {
   heapIsGoing = true;
+  kept.clear();
   shared_.clear();
   pools_.clear();
   literals_.clear();
@@ -41,9 +42,10 @@ Class* Process::findClass(const std::string& name) {
 }
 
 Class& Process::requireClass(const std::string& name) {
-  Class* cls = findClass(name);
-  if (!cls) throw Fault("the platform has no class " + name);
-  return *cls;
+  if (Class* cls = findClass(name)) return *cls;
+  const auto hidden = hiddenClasses_.find(name);
+  if (hidden == hiddenClasses_.end()) throw Fault("the platform has no class " + name);
+  return *hidden->second;
 }
 
 Class& Process::createClass(const std::string& name, Class* superclass) {
@@ -59,6 +61,8 @@ Class& Process::createClass(const std::string& name, Class* superclass) {
 }
 
 void Process::registerClass(Class& cls) { classes_[cls.name] = &cls; }
+
+void Process::hideClass(Class& cls) { hiddenClasses_[cls.name] = &cls; }
 
 void Process::removeClass(const std::string& name) { classes_.erase(name); }
 
@@ -83,6 +87,12 @@ Ref<Object> Process::allocateInstance(Class& cls) {
   Object* object = cls.factory(*this);
   adopt(object, cls);
   return Ref<Object>(object);
+}
+
+Object& Process::sharedInstance(Class& cls) {
+  Ref<Object>& slot = shared_[cls.name];
+  if (!slot) slot = allocateInstance(cls);
+  return *slot;
 }
 
 Object* Process::object(Address address) {

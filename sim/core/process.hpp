@@ -23,7 +23,8 @@ class Process {
   Process& operator=(const Process&) = delete;
 
   Device& device;
-  const std::string identifier;  // the bundle identifier, also its name in traces
+  const std::string identifier;        // the bundle identifier, also its name in traces
+  const std::set<std::string> addOns;  // that were there when it started
   bool isSpringBoard() const;
 
   // Loads the library and runs its constructor, as one part of the current callback.
@@ -33,8 +34,9 @@ class Process {
 
   // ---- Classes
   Class* findClass(const std::string& name);     // null if this process has none of that name
-  Class& requireClass(const std::string& name);  // platform code: must be there
+  Class& requireClass(const std::string& name);  // platform code: must be there, seen or not
   Class& createClass(const std::string& name, Class* superclass);  // with its metaclass
+  void hideClass(Class& cls);                                      // only platform code finds it
   void registerClass(Class& cls);                                  // now findClass sees it
   void removeClass(const std::string& name);                       // its objects stay
   Address selector(const std::string& name);
@@ -61,6 +63,8 @@ class Process {
     if (!slot) slot = make<T>(className);
     return static_cast<T&>(*slot);
   }
+  // The same one, for a class known only at run time.
+  Object& sharedInstance(Class& cls);
   void free(Object& object);     // its last reference went: dealloc, then destruction
   void destroy(Object& object);  // what NSObject's dealloc does in the end
   Ref<Object> autorelease(Ref<Object> object);  // also returns it
@@ -101,6 +105,7 @@ class Process {
   std::string functionName(Address function) const;
 
   // ---- The platform's own bookkeeping for this process
+  std::vector<Ref<Object>> kept;    // objects that the process's own code keeps
   std::set<Clock::TimerId> timers;  // cancelled when the process ends
   struct Observer {
     std::string name;
@@ -122,6 +127,7 @@ class Process {
   void installFunctions();
 
   std::map<std::string, Class*> classes_;
+  std::map<std::string, Class*> hiddenClasses_;
   std::unordered_map<Address, Object*> heap_;
   std::unordered_map<Address, std::string> freed_;  // address -> class, to name the culprit
   std::vector<std::vector<Ref<Object>>> pools_;

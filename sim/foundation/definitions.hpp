@@ -1,4 +1,4 @@
-// The simulated classes of Foundation and CoreFoundation, one file each.
+// The simulated classes of Foundation and CoreFoundation.
 #pragma once
 #include "sim/core/class_definition.hpp"
 
@@ -7,5 +7,16 @@ namespace sim {
 ClassDefinition defineNSObject();
 ClassDefinition defineBlock();
 ClassDefinition defineNSString();
+ClassDefinition defineNSNumber();
+ClassDefinition defineNSData();
+ClassDefinition defineNSDate();
+ClassDefinition defineNSArray();
+ClassDefinition defineNSMutableArray();
+ClassDefinition defineNSDictionary();
+ClassDefinition defineNSMutableDictionary();
+ClassDefinition defineNSTimer();
+ClassDefinition defineNSURL();
+ClassDefinition defineNSBundle();
+ClassDefinition defineNSFileManager();
 
 }  // namespace sim

@@ -1,5 +1,10 @@
 // Every class that the simulated platform knows, superclasses first.
+#include "sim/accounts/definitions.hpp"
+#include "sim/apps/definitions.hpp"
 #include "sim/foundation/definitions.hpp"
+#include "sim/platform/title_views.hpp"
+#include "sim/springboard/definitions.hpp"
+#include "sim/uikit/definitions.hpp"
 
 namespace sim {
 
@@ -9,6 +14,69 @@ const std::vector<ClassDefinition>& classDefinitions() {
       defineNSObject(),
       defineBlock(),
       defineNSString(),
+      defineNSNumber(),
+      defineNSData(),
+      defineNSDate(),
+      defineNSArray(),
+      defineNSMutableArray(),
+      defineNSDictionary(),
+      defineNSMutableDictionary(),
+      defineNSTimer(),
+      defineNSURL(),
+      defineNSBundle(),
+      defineNSFileManager(),
+      // UIKit
+      defineUIView(),
+      defineUIApplication(),
+      defineUIAlertView(),
+      defineShownAlerts(),
+      // SpringBoard
+      defineSpringBoard(),
+      defineFBSMutableSceneSettings(),
+      defineFBScene(),
+      defineApplicationObjects(),
+      defineSBApplication(),
+      defineSBApplicationController(),
+      defineSBLockScreenManager(),
+      defineSBLockScreenViewController(),
+      defineSBLockScreenScrollView(),
+      defineSBBacklightController(),
+      defineSBControlCenterController(),
+      defineSBIconController(),
+      defineSBApplicationIcon(),
+      defineSBAppSliderController(),
+      defineSBAppSwitcherModel(),
+      defineSBDisplayItem(),
+      defineSBAppSuggestionManager(),
+      defineSBMediaController(),
+      defineMPUSystemMediaControlsViewController(),
+      defineMPUTransportControlsView(),
+      defineMPUMediaControlsTitlesView(),
+      defineTitleViews(),
+      defineAVSystemController(),
+      defineTUCallCenter(),
+      // Accounts and Social
+      defineACAccountStore(),
+      defineACAccountType(),
+      defineACAccount(),
+      defineSLRequest(),
+      // Add-ons
+      defineALApplicationList(),
+      defineAuxoCollectionView(),
+      defineAuxoCell(),
+      defineMPMiniPlayerActionsDelegate(),
+      // Player apps
+      defineSPTPlayerState(),
+      defineSPTPlayer(),
+      defineSPTNowPlayingPlaybackController(),
+      defineSpotifyAppDelegate(),
+      defineStateController(),
+      defineMTPlayer(),
+      defineMTPlayerViewController(),
+      defineMTPlayerController(),
+      defineMTAppDelegate(),
+      defineMTAppDelegateIOS(),
+      defineGCMMusicController(),
   };
   return all;
 }

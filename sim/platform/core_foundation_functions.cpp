@@ -2,6 +2,7 @@
 #include <fmt/format.h>
 
 #include "sim/core/trace.hpp"
+#include "sim/foundation/array.hpp"
 #include "sim/foundation/string.hpp"
 #include "sim/platform/functions.hpp"
 
@@ -32,6 +33,11 @@ std::string describeObserver(const Invocation& invocation) {
                      invocation.object(3) ? invocation.object(3)->description() : "nil");
 }
 
+// Without callbacks the elements are neither retained nor released.
+Owned<NSMutableArray> createArray(Process& process, Pointer, long, Pointer callbacks) {
+  return {process.make<NSMutableArray>("NSMutableArray", callbacks.address != 0)};
+}
+
 void cfRelease(Process&, Object* object) {
   if (!object) throw Fault("CFRelease of NULL");
   object->libraryRelease();
@@ -44,6 +50,7 @@ Functions coreFoundationFunctions() {
       bindFunction("CFNotificationCenterGetDarwinNotifyCenter", &darwinCenter),
       bindFunction("CFNotificationCenterGetLocalCenter", &localCenter),
       effect(bindFunction("CFNotificationCenterAddObserver", &addObserver), describeObserver),
+      bindFunction("CFArrayCreateMutable", &createArray),
       bindFunction("CFRelease", &cfRelease),
   };
 }

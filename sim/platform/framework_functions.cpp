@@ -1,4 +1,7 @@
 // C functions of frameworks that are found by name: MediaRemote, AudioToolbox, SystemConfiguration.
+#include <cstring>
+
+#include "sim/core/device.hpp"
 #include "sim/platform/functions.hpp"
 
 namespace sim {
@@ -10,12 +13,33 @@ bool sendCommand(Process&, unsigned, Object*) { return true; }
 
 void playSystemSound(Process&, unsigned) {}
 
+// The route to an address. The only one that is asked for is the all-zero IPv4 address.
+Owned<Object> createReachability(Process& process, Pointer, Pointer address) {
+  unsigned char given[16];
+  const unsigned char expected[16] = {sizeof expected, 2};  // length, IPv4
+  process.library().read(address.address, given, sizeof given);
+  if (std::memcmp(given, expected, sizeof given) != 0)
+    throw Fault("reachability of an address that is not the all-zero one");
+  return {process.make<Object>("NSObject")};
+}
+
+bool reachabilityFlags(Process& process, Object* reachability, Pointer flags) {
+  if (!reachability) throw Fault("SCNetworkReachabilityGetFlags of NULL");
+  const auto& answer = process.device.state.networkFlags;
+  if (!answer) return false;
+  const std::uint32_t value = *answer;
+  process.library().write(flags.address, &value, sizeof value);
+  return true;
+}
+
 }  // namespace
 
 Functions frameworkFunctions() {
   return {
       effect(bindFunction("MRMediaRemoteSendCommand", &sendCommand)),
       effect(bindFunction("AudioServicesPlaySystemSound", &playSystemSound)),
+      bindFunction("SCNetworkReachabilityCreateWithAddress", &createReachability),
+      bindFunction("SCNetworkReachabilityGetFlags", &reachabilityFlags),
   };
 }
 

@@ -1,10 +1,32 @@
 // What SpringBoard does when it boots, and each app when its process comes up.
+#include "sim/apps/apps.hpp"
 #include "sim/core/device.hpp"
+#include "sim/springboard/springboard.hpp"
+#include "sim/uikit/application.hpp"
 
 namespace sim {
 
-void startUpSpringBoard(Process&) {}
-void tellProcessLaunched(Process&, const std::string&) {}
-void startUpApp(Process&) {}
+void startUpSpringBoard(Process& springBoard) {
+  Object* application = sharedApplication(springBoard);
+  springBoard.send(application, "init");
+  if (Class* cls = springBoard.findClass("SBAppSuggestionManager")) {
+    const Ref<Object> fresh = springBoard.allocateInstance(*cls);
+    const Value manager = springBoard.send(fresh.get(), "init");
+    if (Object* made = springBoard.object(manager.bits)) springBoard.kept.emplace_back(made);
+  }
+  if (application)
+    springBoard.send(application,
+                     "applicationDidFinishLaunching:", {Value::object(application->address)});
+}
+
+void tellProcessLaunched(Process& springBoard, const std::string& app) {
+  springBoard.send(applicationObject(springBoard, app), "processDidLaunch:", {Value::nil()});
+}
+
+void startUpApp(Process& app) {
+  if (app.identifier == kSpotify) startSpotify(app);
+  if (app.identifier == kPodcasts) startPodcasts(app);
+  if (app.identifier == kGarmin) startGarmin(app);
+}
 
 }  // namespace sim

@@ -1,0 +1,19 @@
+// The player apps' own classes.
+#pragma once
+#include "sim/core/class_definition.hpp"
+
+namespace sim {
+
+ClassDefinition defineSPTPlayer();
+ClassDefinition defineSPTPlayerState();
+ClassDefinition defineSPTNowPlayingPlaybackController();
+ClassDefinition defineSpotifyAppDelegate();
+ClassDefinition defineStateController();
+ClassDefinition defineMTPlayer();
+ClassDefinition defineMTPlayerViewController();
+ClassDefinition defineMTPlayerController();
+ClassDefinition defineMTAppDelegate();
+ClassDefinition defineMTAppDelegateIOS();
+ClassDefinition defineGCMMusicController();
+
+}  // namespace sim

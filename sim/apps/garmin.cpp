@@ -1,0 +1,20 @@
+#include "sim/apps/apps.hpp"
+#include "sim/apps/definitions.hpp"
+#include "sim/core/device.hpp"
+
+namespace sim {
+
+void startGarmin(Process& process) {
+  if (process.findClass("GCMMusicController")) process.shared<Object>("GCMMusicController");
+}
+
+ClassDefinition defineGCMMusicController() {
+  auto definition =
+      ClassDefinition::of<Object>("GCMMusicController", "NSObject", Home::app(kGarmin));
+  definition
+      .code(detail::methodCode<Object, void, long>("didReceiveCommand:", [](Object&, long) {}))
+      .effect();
+  return definition;
+}
+
+}  // namespace sim

@@ -1,0 +1,141 @@
+#include "sim/apps/apps.hpp"
+#include "sim/apps/definitions.hpp"
+#include "sim/core/device.hpp"
+#include "sim/springboard/media.hpp"
+#include "sim/uikit/application.hpp"
+
+namespace sim {
+
+Reluctance::Reluctance(Process& process) {
+  const auto& set = process.device.state.playerAfter;
+  const auto found = set.find(process.identifier);
+  after_ = found == set.end() ? std::optional<int>(1) : found->second;
+}
+
+namespace {
+
+class SPTPlayer;
+
+class SPTPlayerState final : public Object {
+ public:
+  using Object::Object;
+  bool isPlaying() const { return phase == Phase::Playing; }
+  bool isPaused() const { return phase == Phase::Paused; }
+
+  enum class Phase : std::uint8_t { Idle, Playing, Paused } phase = Phase::Idle;
+};
+
+class SPTPlayer final : public Object {
+ public:
+  using Object::Object;
+  SPTPlayerState* playerState() {
+    const std::string name = "SPTPlayerState";
+    return process.findClass(name) ? &process.shared<SPTPlayerState>(name) : nullptr;
+  }
+
+  void setPaused(bool paused) {
+    using Phase = SPTPlayerState::Phase;
+    if (!playerState()) return;
+    SPTPlayerState& state = *playerState();
+    const bool starts = !paused && reluctance.nudged() && state.phase == Phase::Idle;
+    if (starts) {
+      state.phase = Phase::Playing;
+      beginPlaying(process.device, process.identifier);
+    } else if (paused && state.phase == Phase::Playing) {
+      state.phase = Phase::Paused;
+      setTrackPlaying(process.device, process.identifier, false);
+    } else if (!paused && state.phase == Phase::Paused) {
+      state.phase = Phase::Playing;
+      setTrackPlaying(process.device, process.identifier, true);
+    }
+  }
+
+  Reluctance reluctance;
+};
+
+class PlaybackController final : public Object {
+ public:
+  using Object::Object;
+  Object* init(SPTPlayer* given, Object*, Object*, Object*, Object*) {
+    player_ = Ref<SPTPlayer>(given);
+    return this;
+  }
+  SPTPlayer* player() const { return player_.get(); }
+
+ private:
+  Ref<SPTPlayer> player_;
+};
+
+bool didFinishLaunching(Object&, Object*, Object*) { return true; }
+
+Object* sharedState(Class& cls) { return &cls.process.shared<Object>("StateController"); }
+
+}  // namespace
+
+void makePlaybackController(Process& spotify) {
+  const std::string name = "SPTNowPlayingPlaybackController";
+  Class* cls = spotify.findClass(name);
+  if (!cls || !spotify.findClass("SPTPlayer")) return;
+  const Ref<Object> fresh = spotify.allocateInstance(*cls);
+  auto& player = spotify.shared<SPTPlayer>("SPTPlayer");
+  const Value result = spotify.send(
+      fresh.get(),
+      "initWithPlayer:trackPosition:radioThumbsStateManager:adsManager:trackMetadataQueue:",
+      {Value::object(player.address), Value::nil(), Value::nil(), Value::nil(), Value::nil()});
+  if (Object* made = spotify.object(result.bits)) spotify.kept.emplace_back(made);
+}
+
+void startSpotify(Process& process) {
+  if (process.findClass("SPTPlayer"))
+    process.shared<SPTPlayer>("SPTPlayer").reluctance = Reluctance(process);
+  if (process.findClass("SpotifyAppDelegate"))
+    process.send(&process.shared<Object>("SpotifyAppDelegate"),
+                 "application:didFinishLaunchingWithOptions:",
+                 {Value::object(sharedApplication(process)->address), Value::nil()});
+  makePlaybackController(process);
+}
+
+ClassDefinition defineSPTPlayerState() {
+  auto definition =
+      ClassDefinition::of<SPTPlayerState>("SPTPlayerState", "NSObject", Home::app(kSpotify));
+  definition.method("isPlaying", &SPTPlayerState::isPlaying);
+  definition.method("isPaused", &SPTPlayerState::isPaused);
+  return definition;
+}
+
+ClassDefinition defineSPTPlayer() {
+  auto definition = ClassDefinition::of<SPTPlayer>("SPTPlayer", "NSObject", Home::app(kSpotify));
+  definition.method("playerState", &SPTPlayer::playerState);
+  definition.method("setPaused:", &SPTPlayer::setPaused).effect();
+  return definition;
+}
+
+ClassDefinition defineSPTNowPlayingPlaybackController() {
+  auto definition = ClassDefinition::of<PlaybackController>("SPTNowPlayingPlaybackController",
+                                                            "NSObject", Home::app(kSpotify));
+  definition
+      .method("initWithPlayer:trackPosition:radioThumbsStateManager:adsManager:trackMetadataQueue:",
+              &PlaybackController::init)
+      .effect();
+  definition.method("player", &PlaybackController::player);
+  return definition;
+}
+
+ClassDefinition defineSpotifyAppDelegate() {
+  auto definition =
+      ClassDefinition::of<Object>("SpotifyAppDelegate", "NSObject", Home::app(kSpotify));
+  definition
+      .code(detail::methodCode<Object, bool, Object*, Object*>(
+          "application:didFinishLaunchingWithOptions:", didFinishLaunching))
+      .effect();
+  return definition;
+}
+
+ClassDefinition defineStateController() {
+  auto definition = ClassDefinition::of<Object>("StateController", "NSObject", Home::app(kSpotify));
+  definition.classMethod("sharedStateController", &sharedState);
+  definition.code(detail::methodCode<Object, void>("saveState", [](Object&) {})).effect();
+  return definition;
+}
+
+}  // namespace sim

@@ -1,0 +1,31 @@
+// Finds references of the library's own that it has lost.
+#include <algorithm>
+#include <map>
+
+#include "sim/core/device.hpp"
+#include "sim/foundation/block.hpp"
+
+namespace sim {
+
+// The library owns an object as often as it counts references of its own to it; each must stand
+// somewhere: in the library's variables, or in a living block's captures.
+std::vector<std::string> Process::leaks() {
+  std::map<Address, long> owned;
+  for (const auto& [address, object] : heap_)
+    if (object->libraryReferences() > 0) owned[address] = object->libraryReferences();
+  const unsigned word = library_ ? library_->pointerSize() : 8;
+  const auto ranges = library_ ? library_->data() : decltype(library_->data()){};
+  for (const auto& [start, size] : ranges)
+    for (Address at = (start + word - 1) / word * word; at + word <= start + size; at += word) {
+      const auto found = owned.find(library_->readPointer(at));
+      if (found != owned.end()) --found->second;
+    }
+  std::vector<std::string> lost;
+  for (const auto& [address, missing] : owned)
+    if (missing > 0)
+      lost.push_back(heap_.at(address)->description() + " (" + std::to_string(missing) +
+                     (missing == 1 ? " reference)" : " references)"));
+  return lost;
+}
+
+}  // namespace sim

@@ -1,0 +1,33 @@
+// NSDictionary and NSMutableDictionary, with texts as keys, in order of insertion.
+#pragma once
+#include "sim/core/process.hpp"
+
+namespace sim {
+
+class NSDictionary : public Object {
+ public:
+  explicit NSDictionary(Process& process) : Object(process) {}
+  std::string description() const override { return "<NSDictionary>"; }
+  bool equals(const Object& other) const override;
+
+  struct Entry {
+    std::string key;
+    Ref<Object> value;
+  };
+  const std::vector<Entry>& entries() const { return entries_; }
+  Object* find(const std::string& key) const;       // borrowed; null if it is not there
+  void set(const std::string& key, Object* value);  // null removes
+
+ private:
+  std::vector<Entry> entries_;
+};
+
+class NSMutableDictionary final : public NSDictionary {
+ public:
+  using NSDictionary::NSDictionary;
+  std::string description() const override { return "<NSMutableDictionary>"; }
+};
+
+Ref<NSDictionary> makeDictionary(Process& process);
+
+}  // namespace sim

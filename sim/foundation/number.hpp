@@ -1,0 +1,22 @@
+// NSNumber: a truth value, a whole or a real number.
+#pragma once
+#include <variant>
+
+#include "sim/core/process.hpp"
+
+namespace sim {
+
+class NSNumber final : public Object {
+ public:
+  using Number = std::variant<bool, std::int64_t, double>;
+
+  NSNumber(Process& process, Number number) : Object(process), value(number) {}
+  bool equals(const Object& other) const override;
+  bool boolValue() const;  // anything but zero
+
+  const Number value;
+};
+
+Ref<NSNumber> makeNumber(Process& process, NSNumber::Number number);
+
+}  // namespace sim

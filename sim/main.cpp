@@ -1,0 +1,98 @@
+// corvalen-sim: runs the library on a simulated device.
+#include <CLI/CLI.hpp>
+#include <fstream>
+#include <iostream>
+#include <sstream>
+
+#include "sim/host/host_library.hpp"
+#include "sim/scenario/runner.hpp"
+#include "sim/scenario/shell.hpp"
+
+namespace {
+
+using namespace sim;
+using namespace sim::scenario;
+
+struct CommandLine {
+  std::string format = "text";
+  std::string calls = "effects";
+  bool leaks = false;
+  std::vector<std::string> files;
+
+  RunOptions options() const {
+    return {format == "json" ? Format::Json : Format::Text, calls == "all", leaks};
+  }
+};
+
+// The library's host build lies beside the program.
+std::filesystem::path hostLibrary() {
+  return std::filesystem::read_symlink("/proc/self/exe").parent_path() / "proCorvalen.so";
+}
+
+std::unique_ptr<LibraryLoader> makeLoader() {
+  const auto file = hostLibrary();
+  if (!std::filesystem::exists(file)) throw std::runtime_error("cannot find " + file.string());
+  return std::make_unique<HostLibraryLoader>(file);
+}
+
+std::optional<std::string> readScenario(const std::string& file) {
+  std::ostringstream text;
+  if (file == "-") {
+    text << std::cin.rdbuf();
+    return text.str();
+  }
+  std::ifstream in(file, std::ios::binary);
+  if (!in || !std::filesystem::is_regular_file(file)) return std::nullopt;
+  text << in.rdbuf();
+  return text.str();
+}
+
+int run(const CommandLine& line) {
+  int worst = 0;
+  const auto loader = makeLoader();
+  for (const std::string& file : line.files) {
+    Status status = Status::Wrong;
+    if (const auto text = readScenario(file))
+      status = runScenario(file == "-" ? "standard input" : file, *text, *loader, line.options(),
+                           std::cout, std::cerr);
+    else
+      std::cerr << file << ": cannot be read\n";
+    std::cout.flush();
+    worst = std::max(worst, static_cast<int>(status));
+  }
+  return worst;
+}
+
+void addOptions(CLI::App& command, CommandLine& line) {
+  command.add_option("--format", line.format, "how the trace is printed")
+      ->check(CLI::IsMember({"text", "json"}));
+  command.add_option("--calls", line.calls, "effects only, or every message and function call")
+      ->check(CLI::IsMember({"effects", "all"}));
+}
+
+}  // namespace
+
+int main(int count, char** words) {
+  CLI::App app{"Runs Corvalen Pro on a simulated device"};
+  app.require_subcommand(1);
+  CommandLine line;
+  CLI::App* runCommand = app.add_subcommand("run", "play scenarios, each on a fresh device");
+  addOptions(*runCommand, line);
+  runCommand->add_flag("--leaks", line.leaks, "report references that the library lost");
+  runCommand->add_option("SCENARIO", line.files, "files, or - for standard input")->required();
+  CLI::App* shellCommand = app.add_subcommand("shell", "type the same commands one at a time");
+  addOptions(*shellCommand, line);
+  try {
+    app.parse(count, words);
+  } catch (const CLI::ParseError& error) {
+    const int code = app.exit(error);
+    return code == 0 ? 0 : 2;
+  }
+  try {
+    if (*runCommand) return run(line);
+    return static_cast<int>(runShell(*makeLoader(), line.options()));
+  } catch (const std::exception& error) {
+    std::cerr << "corvalen-sim: " << error.what() << '\n';
+    return 2;
+  }
+}

@@ -1,0 +1,18 @@
+// The title views that live in SpringBoard, by the names that scenarios give them.
+#pragma once
+#include "sim/core/class_definition.hpp"
+#include "sim/springboard/media.hpp"
+
+namespace sim {
+
+class TitleViews final : public Object {
+ public:
+  using Object::Object;
+  std::map<std::string, Ref<MPUMediaControlsTitlesView>> all;
+};
+
+std::map<std::string, Ref<MPUMediaControlsTitlesView>>& titleViews(Process& springBoard);
+
+ClassDefinition defineTitleViews();
+
+}  // namespace sim

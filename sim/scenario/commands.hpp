@@ -1,0 +1,33 @@
+// The commands of the scenario language.
+#pragma once
+#include <functional>
+#include <optional>
+
+#include "sim/core/device.hpp"
+#include "sim/scenario/arguments.hpp"
+
+namespace sim::scenario {
+
+// What a command does to the device; the answer that its caller got, if it asks for one.
+using Action = std::function<std::optional<bool>(Device&)>;
+
+// One row of the language: the first word, and how the rest is read.
+struct CommandRow {
+  const char* name;
+  Action (*read)(Arguments&);
+};
+
+// The rows for what sets the device up, and for what happens to it.
+const std::vector<CommandRow>& setUpCommands();
+const std::vector<CommandRow>& eventCommands();
+
+// An action without an answer.
+template <class Work>
+Action doing(Work work) {
+  return [work](Device& device) -> std::optional<bool> {
+    work(device);
+    return std::nullopt;
+  };
+}
+
+}  // namespace sim::scenario

@@ -1,0 +1,161 @@
+// Commands that make something happen.
+#include "sim/platform/device_actions.hpp"
+#include "sim/scenario/commands.hpp"
+
+namespace sim::scenario {
+
+namespace {
+
+constexpr long long kMostInt = 2147483647;
+constexpr long long kMostCommand = 4294967295;
+
+Action bootCommand(Arguments&) { return doing(boot); }
+
+Action startCommand(Arguments& words) {
+  const std::string id = words.identifier();
+  return doing([=](Device& device) { start(device, id); });
+}
+
+Action endCommand(Arguments& words) {
+  const std::string id = words.identifier();
+  return doing([=](Device& device) { end(device, id); });
+}
+
+Action openCommand(Arguments& words) {
+  const std::string id = words.identifier();
+  const bool suspended = words.oneOf({"foreground", "suspended"}) == 1;
+  return doing([=](Device& device) { open(device, id, suspended); });
+}
+
+Action tapTransportCommand(Arguments& words) {
+  const auto type = static_cast<long>(words.whole("a control type", 0, kMostCommand));
+  return doing([=](Device& device) { tapTransport(device, type); });
+}
+
+Action tapTitleCommand(Arguments&) { return doing(tapTitle); }
+
+Action tapIconCommand(Arguments& words) {
+  const std::string id = words.identifier();
+  return doing([=](Device& device) { tapIcon(device, id); });
+}
+
+Action remoteCommand(Arguments& words) {
+  const auto number = static_cast<unsigned>(words.whole("a command", 0, kMostCommand));
+  if (words.atEnd()) return [=](Device& device) { return remote(device, number); };
+  words.oneOf({"in"});
+  const std::string id = words.identifier();
+  return [=](Device& device) { return remoteIn(device, number, id); };
+}
+
+Action newControllerCommand(Arguments&) { return doing(newController); }
+
+Action watchCommandLine(Arguments& words) {
+  const auto number = static_cast<long>(words.whole("a command", 0, kMostCommand));
+  return doing([=](Device& device) { watchCommand(device, number); });
+}
+
+Action headphonesCommand(Arguments& words) {
+  const bool connected = words.oneOf({"in", "out"}) == 0;
+  return doing([=](Device& device) { headphones(device, connected); });
+}
+
+Action nowPlayingCommand(Arguments& words) {
+  const bool anything = words.oneOf({"yes", "nil"}) == 0;
+  return doing([=](Device& device) { nowPlaying(device, anything); });
+}
+
+Action processLaunchedCommand(Arguments& words) {
+  const std::string id = words.identifier();
+  return doing([=](Device& device) { processLaunched(device, id); });
+}
+
+Action quitCardCommand(Arguments& words) {
+  const std::string id = words.identifier();
+  return doing([=](Device& device) { quitCard(device, id); });
+}
+
+Action unlockCommand(Arguments&) { return doing(unlock); }
+
+Action passcodeCommand(Arguments& words) {
+  const bool visible = words.yesNo();
+  const bool animated = words.yesNo();
+  const bool completion = words.yesNo();
+  return doing([=](Device& device) { passcode(device, visible, animated, completion); });
+}
+
+Action displayOffCommand(Arguments&) { return doing(displayOff); }
+
+Action dragLockScreenCommand(Arguments&) {
+  return [](Device& device) { return dragLockScreen(device); };
+}
+
+Action titleViewCommand(Arguments& words) {
+  const std::size_t what = words.oneOf({"new", "free", "show"});
+  const std::string name = words.bare("a title view");
+  if (what == 0) return doing([=](Device& device) { newTitleView(device, name); });
+  if (what == 1) return doing([=](Device& device) { freeTitleView(device, name); });
+  const std::string text = words.quoted("the name shown");
+  return doing([=](Device& device) { showInTitleView(device, name, text); });
+}
+
+Action widgetCommand(Arguments& words) {
+  static constexpr const char* kNames[] = {"Acapella", "Acapella2", "MiniPlayer", "Auxo"};
+  const std::string name = kNames[words.oneOf({"Acapella", "Acapella2", "MiniPlayer", "Auxo"})];
+  if (name != "Auxo") return doing([=](Device& device) { widget(device, name); });
+  const std::string id = words.identifier();
+  const bool cell = words.oneOf({"cell", "no-cell"}) == 0;
+  return doing([=](Device& device) { auxoWidget(device, id, cell); });
+}
+
+Action pressCommand(Arguments& words) {
+  const auto button = static_cast<long>(words.whole("a button", 0, kMostInt));
+  return doing([=](Device& device) { pressButton(device, button); });
+}
+
+Action postCommand(Arguments& words) {
+  const std::string name = words.quoted("the notification");
+  return doing([=](Device& device) { device.postDarwin(name); });
+}
+
+Action announceCommand(Arguments&) {
+  return doing([](Device& device) { device.postDarwin("bfaK8ayWXeXMQum"); });
+}
+
+Action advanceCommand(Arguments& words) {
+  const Microseconds span = words.seconds();
+  return doing([=](Device& device) { device.advance(span); });
+}
+
+}  // namespace
+
+const std::vector<CommandRow>& eventCommands() {
+  static const std::vector<CommandRow> rows = {
+      {"boot", bootCommand},
+      {"start", startCommand},
+      {"end", endCommand},
+      {"open", openCommand},
+      {"tap-transport", tapTransportCommand},
+      {"tap-title", tapTitleCommand},
+      {"tap-icon", tapIconCommand},
+      {"remote", remoteCommand},
+      {"new-controller", newControllerCommand},
+      {"watch", watchCommandLine},
+      {"headphones", headphonesCommand},
+      {"now-playing", nowPlayingCommand},
+      {"process-launched", processLaunchedCommand},
+      {"quit-card", quitCardCommand},
+      {"unlock", unlockCommand},
+      {"passcode", passcodeCommand},
+      {"display-off", displayOffCommand},
+      {"drag-lock-screen", dragLockScreenCommand},
+      {"title-view", titleViewCommand},
+      {"widget", widgetCommand},
+      {"press", pressCommand},
+      {"post", postCommand},
+      {"announce", announceCommand},
+      {"advance", advanceCommand},
+  };
+  return rows;
+}
+
+}  // namespace sim::scenario

@@ -1,0 +1,26 @@
+// How a run is printed: as text for people, or as one JSON object a line for programs.
+#pragma once
+#include <ostream>
+
+#include "sim/core/trace.hpp"
+
+namespace sim::scenario {
+
+enum class Format : std::uint8_t { Text, Json };
+
+class Output {
+ public:
+  Output(std::ostream& out, Format format) : out_(out), format_(format) {}
+  void command(const std::string& echo);
+  void effect(Microseconds time, const std::string& process, const std::string& call);
+  void result(bool answer);
+
+ private:
+  std::ostream& out_;
+  Format format_;
+};
+
+// Seconds with two decimals, rounded to the nearest, halves up.
+std::string shownTime(Microseconds time);
+
+}  // namespace sim::scenario

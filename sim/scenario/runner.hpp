@@ -1,0 +1,60 @@
+// Plays scenarios on a simulated device.
+#pragma once
+#include <ostream>
+
+#include "sim/core/device.hpp"
+#include "sim/scenario/output.hpp"
+#include "sim/scenario/script.hpp"
+
+namespace sim::scenario {
+
+// Exit statuses, by severity.
+enum class Status : int { Held = 0, Failed = 1, Wrong = 2 };
+
+// A device and what was seen on it since the last command.
+class Session final : public Trace {
+ public:
+  Session(LibraryLoader& loader, Output& output, bool allCalls);
+
+  // Runs a command: echo, effects, answer, then what it left in the queue. Throws ActionError.
+  void run(const Command& command);
+  // Whether an expectation holds for what came since the last command.
+  bool holds(const Expectation& expectation);
+  // The lines since the last command, as they were printed.
+  std::vector<std::string> seen() const;
+  // References of the library that nothing reaches any more, as "PROCESS: WHAT".
+  std::vector<std::string> leaks();
+
+  Device& device() { return *device_; }
+
+  void effect(Microseconds time, const std::string& process, const std::string& call) override;
+  bool wantsAllCalls() const override { return allCalls_; }
+
+ private:
+  struct Effect {
+    std::string process;
+    std::string call;
+    bool expectable = true;
+  };
+  std::size_t count(const Expectation& expectation) const;
+
+  Output& output_;
+  bool allCalls_;
+  std::vector<Effect> effects_;
+  std::optional<bool> answer_;
+  std::size_t next_ = 0;  // behind the line that the previous `expect` found
+  std::unique_ptr<Device> device_;
+};
+
+struct RunOptions {
+  Format format = Format::Text;
+  bool allCalls = false;
+  bool leaks = false;
+};
+
+// Runs a whole scenario on a fresh device: the trace to `out`, failed expectations and errors to
+// `errors`. Mistakes in the scenario are found before anything of it runs.
+Status runScenario(const std::string& file, const std::string& text, LibraryLoader& loader,
+                   const RunOptions& options, std::ostream& out, std::ostream& errors);
+
+}  // namespace sim::scenario

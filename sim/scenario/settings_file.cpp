@@ -1,0 +1,66 @@
+#include "sim/scenario/settings_file.hpp"
+
+#include <plist/plist.h>
+
+#include <fstream>
+#include <memory>
+
+namespace sim::scenario {
+
+namespace {
+
+const char* const kPath = "/var/mobile/Library/Preferences/com.qvethmar.corvalenpro.plist";
+
+struct FreeNode {
+  void operator()(void* node) const { plist_free(node); }
+};
+using Node = std::unique_ptr<void, FreeNode>;
+
+Node readDictionary(const std::filesystem::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  const std::string bytes{std::istreambuf_iterator<char>(file), {}};
+  plist_t parsed = nullptr;
+  const auto size = static_cast<std::uint32_t>(bytes.size());
+  if (bytes.starts_with("bplist"))
+    plist_from_bin(bytes.data(), size, &parsed);
+  else if (bytes.find("<plist") != std::string::npos)
+    plist_from_xml(bytes.data(), size, &parsed);
+  Node node(parsed);
+  if (node && plist_get_node_type(node.get()) != PLIST_DICT) node.reset();
+  return node;
+}
+
+plist_t toNode(const SettingValue& value) {
+  if (const bool* truth = std::get_if<bool>(&value)) return plist_new_bool(*truth);
+  if (const auto* text = std::get_if<std::string>(&value)) return plist_new_string(text->c_str());
+  return plist_new_uint(static_cast<std::uint64_t>(std::get<std::int64_t>(value)));
+}
+
+}  // namespace
+
+void setSetting(Device& device, const std::string& key, const SettingValue& value) {
+  Node root = readDictionary(device.hostPath(kPath));
+  const bool takeOut = std::holds_alternative<Absent>(value);
+  if (!root) {
+    if (takeOut) return;
+    root.reset(plist_new_dict());
+  }
+  if (takeOut)
+    plist_dict_remove_item(root.get(), key.c_str());
+  else
+    plist_dict_set_item(root.get(), key.c_str(), toNode(value));
+  char* xml = nullptr;
+  std::uint32_t length = 0;
+  plist_to_xml(root.get(), &xml, &length);
+  writeSettings(device, std::string(xml, length));
+  std::free(xml);
+}
+
+void writeSettings(Device& device, const std::string& bytes) {
+  std::ofstream file(device.hostPath(kPath), std::ios::binary | std::ios::trunc);
+  file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
+
+void removeSettings(Device& device) { std::filesystem::remove(device.hostPath(kPath)); }
+
+}  // namespace sim::scenario

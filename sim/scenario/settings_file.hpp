@@ -1,0 +1,22 @@
+// What the settings pane does to the settings file, announcing nothing.
+#pragma once
+#include <string>
+#include <variant>
+
+#include "sim/core/device.hpp"
+
+namespace sim::scenario {
+
+struct Absent {};
+using SettingValue = std::variant<bool, std::int64_t, std::string, Absent>;
+
+// Sets one key, or takes it out. The file is made if it is missing and replaced if it holds no
+// dictionary; taking out never makes one.
+void setSetting(Device& device, const std::string& key, const SettingValue& value);
+
+// The file becomes exactly these bytes.
+void writeSettings(Device& device, const std::string& bytes);
+
+void removeSettings(Device& device);
+
+}  // namespace sim::scenario

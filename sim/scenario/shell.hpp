@@ -1,0 +1,13 @@
+// The scenario language, typed one command at a time.
+#pragma once
+#include <iosfwd>
+
+#include "sim/scenario/runner.hpp"
+
+namespace sim::scenario {
+
+// Reads commands until the end of input, from the terminal with editing, history and completion or
+// from a pipe. Mistakes are reported and end nothing.
+Status runShell(LibraryLoader& loader, const RunOptions& options);
+
+}  // namespace sim::scenario

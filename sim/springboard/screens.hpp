@@ -1,0 +1,27 @@
+// What SpringBoard shows: objects that scenario commands act on.
+#pragma once
+#include "sim/foundation/string.hpp"
+
+namespace sim {
+
+class SBApplicationIcon final : public Object {
+ public:
+  SBApplicationIcon(Process& process, const std::string& app)
+      : Object(process), identifier_(makeString(process, app)) {}
+  NSString* applicationBundleID() const { return identifier_.get(); }
+
+ private:
+  Ref<NSString> identifier_;
+};
+
+class SBDisplayItem final : public Object {
+ public:
+  SBDisplayItem(Process& process, const std::string& app)
+      : Object(process), identifier_(makeString(process, app)) {}
+  NSString* displayIdentifier() const { return identifier_.get(); }
+
+ private:
+  Ref<NSString> identifier_;
+};
+
+}  // namespace sim

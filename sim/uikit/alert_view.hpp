@@ -1,0 +1,46 @@
+// UIAlertView: shown alerts stay until a button is pressed.
+#pragma once
+#include "sim/core/process.hpp"
+#include "sim/foundation/string.hpp"
+
+namespace sim {
+
+class UIAlertView final : public Object {
+ public:
+  using Object::Object;
+
+  long addButton(NSString* title);
+  NSString* buttonTitle(long index) const;  // borrowed; Fault if there is no such button
+  std::size_t buttons() const { return buttons_.size(); }
+  long cancelButtonIndex() const { return cancelIndex_; }
+  long tag() const { return tag_; }
+  void setTag(long tag) { tag_ = tag; }
+  void setAlertViewStyle(long style) { style_ = style; }
+  Object* delegate() const;  // borrowed
+  void setDelegate(Object* delegate);
+  void show();
+
+  // The user presses a button: the delegate hears of it in the platform's order, and the alert is
+  // gone.
+  void press(long button);
+  // '"TITLE" "MESSAGE" ["BUTTON"] tag 0'
+  std::string contents() const;
+
+  void setTexts(NSString* title, NSString* message, NSString* cancelTitle);
+
+ private:
+  void tellDelegate(const std::string& selector, std::vector<Value> more);
+
+  Ref<NSString> title_;
+  Ref<NSString> message_;
+  std::vector<Ref<NSString>> buttons_;
+  long cancelIndex_ = -1;
+  long tag_ = 0;
+  long style_ = 0;
+  Address delegate_ = 0;  // not held
+};
+
+// The alert shown last of those still up; null if there is none. Borrowed.
+UIAlertView* topAlert(Process& process);
+
+}  // namespace sim
