@@ -20,6 +20,7 @@ constexpr NSInteger kAllAccountsButton = 0;  // of the account choice; the accou
 const void* accountsKey() { return selector<"description">(); }
 
 void associate(UIAlertView alert, const void* key, Object value) {
+  if (!alert) return;  // where UIKit is missing; the runtime would not take it
   objc_setAssociatedObject(alert.raw, key, value.raw, static_cast<uintptr_t>(Association::retain));
 }
 

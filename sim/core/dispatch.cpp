@@ -105,16 +105,17 @@ Value Process::functionFromLibrary(const std::string& name, ArgumentSource& sour
   std::vector<Value> arguments;
   for (const Kind kind : found->second.native->signature.arguments)
     arguments.push_back(source.next(kind));
-  return callFunction(name, std::move(arguments));
+  return callFunction(name, std::move(arguments), Caller::Library);
 }
 
-Value Process::callFunction(const std::string& name, std::vector<Value> arguments) {
+Value Process::callFunction(const std::string& name, std::vector<Value> arguments,
+                            Caller caller) {
   const Function& function = functions_.at(name);
   const Implementation implementation = function.replacement
                                             ? Implementation{{}, function.replacement}
                                             : Implementation{function.native, 0};
   return callImplementation(implementation, function.native->signature, nullptr, name,
-                            std::move(arguments), nullptr, Caller::Platform);
+                            std::move(arguments), nullptr, caller);
 }
 
 Address Process::symbol(const std::string& name) {
@@ -126,7 +127,7 @@ Address Process::symbol(const std::string& name) {
     auto entry = std::make_shared<NativeCode>(*function.native);
     entry->relay = true;
     entry->run = [name](Invocation& invocation) {
-      return invocation.process.callFunction(name, invocation.arguments);
+      return invocation.process.callFunction(name, invocation.arguments, invocation.caller);
     };
     entry->describe = {};
     function.exposed = library_->expose(std::move(entry), false);

@@ -86,7 +86,8 @@ class Process {
   // The library calls a C function by its name (one of the imports).
   Value functionFromLibrary(const std::string& name, ArgumentSource& source);
   // Platform code calls a C function that the library may have replaced.
-  Value callFunction(const std::string& name, std::vector<Value> arguments);
+  Value callFunction(const std::string& name, std::vector<Value> arguments,
+                     Caller caller = Caller::Platform);
   // Runs what stands behind a method or function, on either side.
   Value callImplementation(const Implementation& implementation, const Signature& signature,
                            Object* self, const std::string& name, std::vector<Value> arguments,

@@ -1,0 +1,11 @@
+// The two architectures that a device binary holds.
+#pragma once
+#include <cstdint>
+
+namespace sim::guest {
+
+enum class Slice : std::uint8_t { arm64, armv7 };
+
+constexpr unsigned pointerSize(Slice slice) { return slice == Slice::arm64 ? 8 : 4; }
+
+}  // namespace sim::guest

@@ -1,0 +1,160 @@
+// What every kind of process gets on every version, compared with the tables.
+#include <fmt/format.h>
+
+#include "tests/device_fixture.hpp"
+
+namespace sim {
+namespace {
+
+struct Row {
+  const char* call;
+  double from = 0;
+  double below = 1e9;
+};
+
+// Stated here once more, from the product's own description and not from its code.
+const Row kSpringBoardRows[] = {
+    {R"(CFNotificationCenterAddObserver(darwin, "bfaK8ayWXeXMQum"))"},
+    {R"(CFNotificationCenterAddObserver(darwin, "QjnUR4g9fc9hLq"))"},
+    {R"(CFNotificationCenterAddObserver(darwin, "VNutj2BhJMTGTwVk"))"},
+    {R"(CFNotificationCenterAddObserver(darwin, "FejJ91yPhXo8E"))"},
+    {"CFNotificationCenterAddObserver(local, "
+     "\"AVSystemController_HeadphoneJackIsConnectedDidChangeNotification\")"},
+    {"MSHookMessageEx(SpringBoard, init)"},
+    {"MSHookMessageEx(SpringBoard, applicationDidFinishLaunching:)"},
+    {"MSHookMessageEx(SpringBoard, launchApplicationWithIdentifier:suspended:)"},
+    {"MSHookMessageEx(MPUSystemMediaControlsViewController, "
+     "transportControlsView:tapOnControlType:)"},
+    {"MSHookMessageEx(MPUSystemMediaControlsViewController, mediaControlsTitlesViewWasTapped:)"},
+    {"MSHookMessageEx(SBIconController, _launchIcon:)"},
+    {"MSHookMessageEx(SBMediaController, setNowPlayingInfo:)"},
+    {"MSHookMessageEx(SBLockScreenViewController, finishUIUnlockFromSource:)"},
+    {"MSHookMessageEx(SBLockScreenViewController, setPasscodeLockVisible:animated:completion:)"},
+    {"MSHookMessageEx(SBLockScreenViewController, _handleDisplayTurnedOff)"},
+    {"MSHookMessageEx(SBLockScreenScrollView, touchesShouldCancelInContentView:)"},
+    {"MSHookMessageEx(SBAppSuggestionManager, init)"},
+    {"MSHookMessageEx(SBAppSliderController, _quitAppAtIndex:)", 0, 900.0},
+    {"MSHookMessageEx(SBAppSwitcherModel, removeDisplayItem:)", 900.0, 1240.1},
+    {"MSHookMessageEx(MPUMediaControlsTitlesView, initWithMediaControlsStyle:)", 847.24},
+    {"MSHookMessageEx(MPUMediaControlsTitlesView, dealloc)", 847.24},
+    {"MSHookMessageEx(MPUMediaControlsTitlesView, updateNowPlayingAppDisplayName:)", 847.24},
+    {"MSHookMessageEx(SBApplication, processDidLaunch:)", 900.0},
+    {"MSHookMessageEx(SBAppSwitcherModel, remove:)", 1240.1},
+    {"MSHookFunction(MRMediaRemoteSendCommand)"},
+};
+const Row kSpotifyRows[] = {
+    {R"(CFNotificationCenterAddObserver(darwin, "GYbIKwUwyBsCan1l"))"},
+    {R"(notify_post("QjnUR4g9fc9hLq"))"},
+    {"MSHookMessageEx(SPTNowPlayingPlaybackController, initWithPlayer:trackPosition:"
+     "radioThumbsStateManager:adsManager:trackMetadataQueue:)"},
+    {"MSHookMessageEx(SpotifyAppDelegate, application:didFinishLaunchingWithOptions:)"},
+};
+const Row kPodcastsRows[] = {
+    {R"(CFNotificationCenterAddObserver(darwin, "GYbIKwUwyBsCan1l"))"},
+    {R"(notify_post("QjnUR4g9fc9hLq"))"},
+    {"MSHookMessageEx(MTAppDelegate_iOS, application:willFinishLaunchingWithOptions:)", 1240.1},
+    {"MSHookMessageEx(MTAppDelegate, application:willFinishLaunchingWithOptions:)", 0, 1240.1},
+};
+const Row kGarminRows[] = {{"MSHookMessageEx(GCMMusicController, didReceiveCommand:)"}};
+const Row kOtherRows[] = {
+    {R"(CFNotificationCenterAddObserver(darwin, "YHePE3bJB3diJ1T"))"},
+    {R"(CFNotificationCenterAddObserver(darwin, "RjZoLhphi82WYz"))"},
+    {"MSHookFunction(MRMediaRemoteSendCommand)"},
+};
+
+const double kVersions[] = {0,       847.19,  847.2,  847.20001, 847.23,  847.24,  847.27,
+                            899.99,  900.0,   1140.1, 1145.14,   1145.15, 1240.09, 1240.1,
+                            1242.13, 1279.99, 1280.0, 1280.01,   1280.30, 1348.22};
+
+class Installer : public DeviceTest {
+ protected:
+  // What the constructor installed: hooks, observers and posts, before the process's own code.
+  std::vector<std::string> installed() const {
+    std::vector<std::string> rows;
+    for (const auto& call : calls.all)
+      if (call.starts_with("MSHook") || call.starts_with("CFNotification") ||
+          call == R"(notify_post("QjnUR4g9fc9hLq"))")
+        rows.push_back(call);
+    return rows;
+  }
+  template <std::size_t Count>
+  static std::vector<std::string> expected(double version, const Row (&rows)[Count]) {
+    std::vector<std::string> calls;
+    if (version < 847.2 || version > 1280.0) return calls;
+    for (const Row& row : rows)
+      if (version >= row.from && version < row.below) calls.emplace_back(row.call);
+    return calls;
+  }
+};
+
+TEST_F(Installer, EveryVersionAndKindOfProcessGetsItsRowsOfTheTables) {
+  for (const auto& id : {kSpotify, kPodcasts, kGarmin, std::string("com.example.notes")})
+    device.state.apps.push_back({id, id});
+  for (const double version : kVersions) {
+    device.setVersion(version);
+    calls.all.clear();
+    device.bootSpringBoard();
+    EXPECT_EQ(installed(), expected(version, kSpringBoardRows)) << "SpringBoard " << version;
+    device.drain();
+    const auto check = [&](const std::string& id, const std::vector<std::string>& rows) {
+      calls.all.clear();
+      device.startApp(id);
+      EXPECT_EQ(installed(), rows) << id << ' ' << version;
+      device.endProcess(*device.process(id));
+      device.drain();
+    };
+    check(kSpotify, expected(version, kSpotifyRows));
+    check(kPodcasts, expected(version, kPodcastsRows));
+    check(kGarmin, expected(version, kGarminRows));
+    check("com.example.notes", expected(version, kOtherRows));
+  }
+}
+
+TEST_F(Installer, AProcessWithoutABundleIdentifierGetsTheGenericSet) {
+  device.startApp("");
+  EXPECT_EQ(installed(), expected(1145.15, kOtherRows));
+}
+
+TEST_F(Installer, ClassLookUpsAreSharedAsTheTablesGroupThem) {
+  calls.wantsAll = true;
+  booted();
+  const auto lookUps = [&](const std::string& name) {
+    return calls.count("objc_getClass(\"" + name + "\")");
+  };
+  EXPECT_EQ(lookUps("SpringBoard"), 1u);
+  EXPECT_EQ(lookUps("MPUSystemMediaControlsViewController"), 1u);
+  EXPECT_EQ(lookUps("SBLockScreenViewController"), 1u);
+  EXPECT_EQ(lookUps("MPUMediaControlsTitlesView"), 1u);
+}
+
+TEST_F(Installer, EachAddOnIsLookedForAndLooksItsClassUpAfresh) {
+  device.state.addOns = {"Acapella", "Acapella2"};
+  calls.wantsAll = true;
+  booted();
+  EXPECT_EQ(calls.count(R"(objc_getClass("MPUSystemMediaControlsViewController"))"), 3u);
+  EXPECT_EQ(calls.count("+[NSFileManager defaultManager]"), 4u);
+}
+
+TEST_F(Installer, TheBundleIdentifierIsReadOnceAComparison) {
+  calls.wantsAll = true;
+  device.startApp("com.example.notes");
+  EXPECT_EQ(calls.count("-[NSBundle bundleIdentifier]"), 4u);
+}
+
+TEST_F(Installer, TheFollowHandlerAndTheCategoriesAreThereInEveryProcess) {
+  device.startApp("com.example.notes");
+  Process& process = *device.process("com.example.notes");
+  ASSERT_NE(process.findClass("CVPTWHandler"), nullptr);
+  EXPECT_NE(process.findClass("CVPTWHandler")->find("dropMeAFollow"), nullptr);
+  EXPECT_NE(process.findClass("UIAlertView")->find("responseBlock"), nullptr);
+  EXPECT_NE(process.findClass("NSTimer")->isa->find("rvExecuteSimpleBlock:"), nullptr);
+}
+
+TEST_F(Installer, WhereThePlatformClassIsMissingNothingIsAdded) {
+  device.state.missingClasses.insert("UIAlertView");
+  Process& process = booted();
+  EXPECT_EQ(process.requireClass("UIAlertView").find("responseBlock"), nullptr);
+}
+
+}  // namespace
+}  // namespace sim

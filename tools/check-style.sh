@@ -1,0 +1,17 @@
+#!/usr/bin/env bash
+# Every source is formatted, and no file is longer than a person reads in one sitting.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+mapfile -t sources < <(git ls-files '*.cpp' '*.hpp')
+clang-format-14 --dry-run --Werror "${sources[@]}"
+
+longest=450
+failed=0
+while read -r lines file; do
+  if [ "$file" != total ] && [ "$lines" -gt $longest ]; then
+    echo "$file: $lines lines, more than $longest" >&2
+    failed=1
+  fi
+done < <(wc -l "${sources[@]}")
+exit $failed
