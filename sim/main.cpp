@@ -4,6 +4,7 @@
 #include <iostream>
 #include <sstream>
 
+#include "sim/guest/guest_library.hpp"
 #include "sim/host/host_library.hpp"
 #include "sim/scenario/runner.hpp"
 #include "sim/scenario/shell.hpp"
@@ -17,6 +18,9 @@ struct CommandLine {
   std::string format = "text";
   std::string calls = "effects";
   bool leaks = false;
+  std::string image;
+  std::string slice = "arm64";
+  guest::GuestDebugging debugging;
   std::vector<std::string> files;
 
   RunOptions options() const {
@@ -29,7 +33,12 @@ std::filesystem::path hostLibrary() {
   return std::filesystem::read_symlink("/proc/self/exe").parent_path() / "proCorvalen.so";
 }
 
-std::unique_ptr<LibraryLoader> makeLoader() {
+// The host build, or the device binary that was asked for.
+std::unique_ptr<LibraryLoader> makeLoader(const CommandLine& line) {
+  if (!line.image.empty()) {
+    const auto slice = line.slice == "arm64" ? guest::Slice::arm64 : guest::Slice::armv7;
+    return std::make_unique<guest::GuestLibraryLoader>(line.image, slice, line.debugging);
+  }
   const auto file = hostLibrary();
   if (!std::filesystem::exists(file)) throw std::runtime_error("cannot find " + file.string());
   return std::make_unique<HostLibraryLoader>(file);
@@ -49,7 +58,7 @@ std::optional<std::string> readScenario(const std::string& file) {
 
 int run(const CommandLine& line) {
   int worst = 0;
-  const auto loader = makeLoader();
+  const auto loader = makeLoader(line);
   for (const std::string& file : line.files) {
     Status status = Status::Wrong;
     if (const auto text = readScenario(file))
@@ -68,6 +77,14 @@ void addOptions(CLI::App& command, CommandLine& line) {
       ->check(CLI::IsMember({"text", "json"}));
   command.add_option("--calls", line.calls, "effects only, or every message and function call")
       ->check(CLI::IsMember({"effects", "all"}));
+  command.add_option("--image", line.image, "run this device binary in place of the host build");
+  command.add_option("--slice", line.slice, "which of the binary's slices")
+      ->check(CLI::IsMember({"arm64", "armv7"}));
+  command.add_flag("--guest-calls", line.debugging.calls,
+                   "with --image: show calls between binary and platform");
+  command.add_flag("--guest-steps", line.debugging.steps, "with --image: show every instruction");
+  command.add_option("--guest-break", line.debugging.breakAt,
+                     "with --image: show registers and a back trace at this symbol");
 }
 
 }  // namespace
@@ -90,7 +107,7 @@ int main(int count, char** words) {
   }
   try {
     if (*runCommand) return run(line);
-    return static_cast<int>(runShell(*makeLoader(), line.options()));
+    return static_cast<int>(runShell(*makeLoader(line), line.options()));
   } catch (const std::exception& error) {
     std::cerr << "corvalen-sim: " << error.what() << '\n';
     return 2;

@@ -108,8 +108,7 @@ Value Process::functionFromLibrary(const std::string& name, ArgumentSource& sour
   return callFunction(name, std::move(arguments), Caller::Library);
 }
 
-Value Process::callFunction(const std::string& name, std::vector<Value> arguments,
-                            Caller caller) {
+Value Process::callFunction(const std::string& name, std::vector<Value> arguments, Caller caller) {
   const Function& function = functions_.at(name);
   const Implementation implementation = function.replacement
                                             ? Implementation{{}, function.replacement}

@@ -20,13 +20,17 @@ Object* Process::literal(Address address) {
     literals_[address] = Ref<Object>(string);
     return string;
   }
-  const bool onStack = isa == library_->variable("_NSConcreteStackBlock");
-  if (onStack || isa == library_->variable("_NSConcreteGlobalBlock")) {
-    auto* block = new Block(*this, onStack ? Block::Where::Stack : Block::Where::Global);
+  if (isa == library_->variable("_NSConcreteGlobalBlock")) {  // stays where it is, for ever
+    auto* block = new Block(*this, Block::Where::Global);
+    adopt(block, requireClass("NSBlock"), address);
+    return block;
+  }
+  if (isa == library_->variable("_NSConcreteStackBlock")) {  // goes with its function
+    auto block = std::make_unique<Block>(*this, Block::Where::Stack);
     block->isa = &requireClass("NSBlock");
     block->address = address;
-    transients_.push_back(Ref<Object>(block));
-    return block;
+    transients_.push_back(std::move(block));
+    return transients_.back().get();
   }
   throw Fault("an address that is no object");
 }

@@ -142,7 +142,7 @@ class Process {
   std::map<std::string, Address> variables_;
   std::map<Address, Ref<Object>> literals_;  // constant strings in the library's data
   std::string deferredFault_;
-  std::vector<Ref<Object>> transients_;  // block literals seen in the current callback
+  std::vector<std::unique_ptr<Object>> transients_;  // stack blocks met in the current callback
   std::unique_ptr<Library> library_;
 };
 

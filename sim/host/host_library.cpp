@@ -165,15 +165,14 @@ class HostLibrary final : public Library {
   }
 
   void runInitialisers() override {
-    Running running(process_);
-    loadingAt_ = reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0));
+    const Running entered(process_);
     handle_ = dlopen(copy_.c_str(), RTLD_NOW | RTLD_LOCAL);
     std::filesystem::remove(copy_);
     if (!handle_) throw std::runtime_error(dlerror());
   }
 
   Value call(Address code, Kind result, const std::vector<Value>& fixed) override {
-    Running running(process_);
+    const Running entered(process_);
     std::vector<ffi_type*> types;
     std::vector<std::uint64_t> cells(fixed.size());
     std::vector<void*> pointers;
@@ -287,7 +286,6 @@ class HostLibrary final : public Library {
   Process& process_;
   std::filesystem::path copy_;
   void* handle_ = nullptr;
-  std::uintptr_t loadingAt_ = 0;
   std::vector<unsigned> taken_;
   std::map<Address, std::size_t> memory_;
   std::set<Address> freed_;

@@ -7,7 +7,6 @@ namespace sim {
 
 namespace {
 
-constexpr Address kEveryImage = static_cast<Address>(-2);
 constexpr Address kSomeImage = 0x40000000;  // what dlopen answers; nobody looks inside
 
 // Frameworks are there when a class or function of theirs can be.

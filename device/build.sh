@@ -1,0 +1,63 @@
+#!/usr/bin/env bash
+# build.sh OUT: builds the device library for both architectures into OUT/proCorvalen.dylib, with
+# thin slices and, for back traces, unstripped ones beside it. The same sources give the same bytes
+# in any folder.
+set -euo pipefail
+device=$(cd "$(dirname "$0")" && pwd)
+root=$(dirname "$device")
+out=$1
+identifier=proCorvalen
+install_name=/Library/MobileSubstrate/DynamicLibraries/$identifier.dylib
+headers=/usr/lib/llvm-19/include/c++/v1
+mkdir -p "$out"
+out=$(cd "$out" && pwd)
+work=$out/work
+rm -rf "$work"
+mkdir -p "$work"
+
+mapfile -t sources < <(sed -n 's/^  \(.*\.cpp\)$/\1/p' "$root/library.cmake")
+python3 "$device/stubs/make_stubs.py" "$out/stubs"
+
+flags=(-std=c++20 -Os -fno-exceptions -fno-rtti -fvisibility=hidden -fvisibility-inlines-hidden
+  -fno-threadsafe-statics -fno-c++-static-destructors -fno-stack-protector
+  -nostdinc++ -nostdlibinc -isystem "$device/shim/config" -isystem "$headers"
+  -isystem "$device/shim/c" -I. -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+
+# All sources of a slice become one module: nothing weak is left, and what is unused goes.
+compile() {
+  local slice=$1
+  shift
+  local target=--target=$slice-apple-ios7.0
+  local modules=()
+  for source in "${sources[@]}"; do
+    local module=$work/${source//\//_}.$slice.bc
+    (cd "$root" && clang++-19 "$target" "${flags[@]}" "$@" -Xclang -disable-llvm-passes \
+      -emit-llvm -c "$source" -o "$module")
+    modules+=("$module")
+  done
+  llvm-link-19 "${modules[@]}" -o "$work/all.$slice.bc"
+  opt-19 --passes='internalize,default<Os>,globaldce' "$work/all.$slice.bc" -o "$work/opt.$slice.bc"
+  clang-19 "$target" -Os -Xclang -disable-llvm-passes -w -S "$work/opt.$slice.bc" -o "$work/$slice.s"
+  if [ "$slice" = armv7 ]; then
+    python3 "$device/tools/fix_armv7_assembly.py" "$work/$slice.s"
+  fi
+  clang-19 "$target" -c "$work/$slice.s" -o "$work/$slice.o"
+}
+
+compile arm64 -funwind-tables
+compile armv7 -fno-unwind-tables -fno-asynchronous-unwind-tables
+
+ld64.lld-19 -arch arm64 -platform_version ios 7.0 9.3 -dylib -dead_strip -no_encryption \
+  -install_name "$install_name" -o "$work/arm64.dylib" "$work/arm64.o" "$out"/stubs/*.tbd
+ld64.lld.darwinold-13 -arch armv7 -ios_version_min 7.0 -sdk_version 9.3 -dylib -dead_strip \
+  -install_name "$install_name" -o "$work/armv7.dylib" "$work/armv7.o" "$out"/stubs/*.armv7.dylib
+
+for slice in arm64 armv7; do
+  python3 "$device/tools/finish_image.py" "$work/$slice.dylib" "$out/$identifier.$slice.dylib" \
+    "$identifier"
+  cp "$work/$slice.dylib" "$out/$identifier.$slice.symbols"
+done
+llvm-lipo-19 -create "$out/$identifier.arm64.dylib" "$out/$identifier.armv7.dylib" \
+  -output "$out/$identifier.dylib"
+chmod 755 "$out/$identifier.dylib"
+rm -rf "$work"

@@ -1,0 +1,164 @@
+#include "sim/guest/guest_library.hpp"
+
+#include <fmt/format.h>
+
+#include <cstring>
+#include <fstream>
+#include <iostream>
+
+#include "sim/core/process.hpp"
+#include "sim/guest/back_trace.hpp"
+#include "sim/guest/c_library.hpp"
+#include "sim/guest/guest_call.hpp"
+#include "sim/guest/loaded_image.hpp"
+#include "sim/guest/macho_file.hpp"
+#include "sim/guest/traps.hpp"
+
+namespace sim::guest {
+
+namespace {
+
+constexpr Address kStackBase = 0x30000000;
+constexpr std::size_t kStackSize = std::size_t{1} << 20;
+
+std::vector<std::uint8_t> fileContents(const std::filesystem::path& file) {
+  std::ifstream in(file, std::ios::binary);
+  if (!in) throw std::runtime_error("cannot read " + file.string());
+  return {std::istreambuf_iterator<char>(in), {}};
+}
+
+}  // namespace
+
+// One process's copy of the image, with a processor and memory of its own.
+class GuestLibrary final : public Library {
+ public:
+  GuestLibrary(GuestLibraryLoader& loader, Process& process)
+      : loader_(loader),
+        process_(process),
+        slice_(loader.slice_),
+        cpu_(slice_, memory_, [this](Address address) { trapped(address); }),
+        image_(*loader.image_, slice_, memory_, traps_) {
+    cpu_.map(memory_.add(kStackBase, kStackSize, true, false));
+    for (const auto* region : image_.regions()) cpu_.map(*region);
+    cpu_.setStackPointer(kStackBase + kStackSize);
+    image_.setVersion(loader.version_);
+    loader_.living_.insert(this);
+    if (loader_.debugging_.steps)
+      cpu_.onInstruction(image_.textStart(), image_.textEnd(),
+                         [this](Address at) { std::cerr << "  " << image_.place(at) << '\n'; });
+    breakAt(loader_.debugging_.breakAt);
+  }
+  ~GuestLibrary() override { loader_.living_.erase(this); }
+
+  void runInitialisers() override {
+    for (const Address code : image_.initialisers())
+      call(code, Kind::Void, std::vector<Value>(3, Value::of(Kind::Pointer, 0)));
+  }
+
+  Value call(Address code, Kind result, const std::vector<Value>& fixed) override {
+    if (loader_.debugging_.calls) std::cerr << "-> " << image_.place(code) << '\n';
+    const Address stack = cpu_.stackPointer();
+    ++depth_;
+    try {
+      cpu_.setStackPointer(stack / 16 * 16);
+      placeArguments(slice_, cpu_, memory_, fixed);
+      cpu_.run(code, kReturnTrap);
+    } catch (const Fault& fault) {
+      if (--depth_ == 0 || !reported_) report(fault);
+      cpu_.setStackPointer(stack);
+      throw;
+    }
+    --depth_;
+    const Value value = fetchResult(slice_, cpu_, result);
+    cpu_.setStackPointer(stack);
+    return value;
+  }
+
+  Address expose(std::shared_ptr<const NativeCode> code, bool isMethod) override {
+    return traps_.exposed(std::move(code), isMethod);
+  }
+  Address variable(const std::string& name) override { return image_.variable(name); }
+
+  void read(Address from, void* to, std::size_t size) const override {
+    memory_.read(from, to, size);
+  }
+  void write(Address to, const void* from, std::size_t size) override {
+    memory_.write(to, from, size);
+  }
+  Address allocate(std::size_t size) override { return memory_.allocate(size); }
+  void deallocate(Address memory) override { memory_.deallocate(memory); }
+
+  unsigned pointerSize() const override { return guest::pointerSize(slice_); }
+
+  std::vector<std::pair<Address, std::size_t>> data() const override {
+    auto all = image_.variables();
+    for (const auto& block : memory_.blocks()) all.push_back(block);
+    return all;
+  }
+
+  void setVersion(double version) { image_.setVersion(version); }
+
+ private:
+  // The guest called into the platform.
+  void trapped(Address address) {
+    if (address == kReturnTrap) return;
+    const Trap& trap = traps_.at(address);
+    if (loader_.debugging_.calls)
+      std::cerr << "<- " << trap.name << " from " << image_.place(cpu_.linkRegister()) << '\n';
+    if (isCLibrary(trap.name) && !trap.code) {
+      const auto result =
+          callCLibrary(trap.name, memory_, {cpu_.integer(0), cpu_.integer(1), cpu_.integer(2)});
+      placeResult(slice_, cpu_, Value::of(Kind::Pointer, result.value_or(0)));
+      return;
+    }
+    GuestArguments arguments(slice_, cpu_, memory_);
+    const Value result = trap.code ? process_.callFromLibrary(trap.code, trap.isMethod, arguments)
+                                   : process_.functionFromLibrary(trap.name, arguments);
+    placeResult(slice_, cpu_, result);
+  }
+
+  // Once a fault, where it struck.
+  void report(const Fault& fault) {
+    reported_ = true;
+    std::cerr << fmt::format("{}: {}\n", process_.identifier, fault.what())
+              << backTrace(slice_, cpu_, memory_, image_);
+  }
+
+  void breakAt(const std::string& symbol) {
+    if (symbol.empty()) return;
+    const Address address = image_.find(symbol);
+    if (!address) throw std::runtime_error("no symbol " + symbol + " in the binary");
+    cpu_.onInstruction(address, address + 1, [this](Address at) {
+      std::cerr << "at " << image_.place(at) << '\n' << backTrace(slice_, cpu_, memory_, image_);
+    });
+  }
+
+  GuestLibraryLoader& loader_;
+  Process& process_;
+  Slice slice_;
+  GuestMemory memory_;
+  Traps traps_;
+  Cpu cpu_;
+  LoadedImage image_;
+  int depth_ = 0;
+  bool reported_ = false;
+};
+
+GuestLibraryLoader::GuestLibraryLoader(const std::filesystem::path& file, Slice slice,
+                                       GuestDebugging debugging)
+    : slice_(slice), debugging_(std::move(debugging)) {
+  image_ = std::make_shared<const MachOImage>(loadMachO(fileContents(file), slice));
+}
+
+GuestLibraryLoader::~GuestLibraryLoader() = default;
+
+std::unique_ptr<Library> GuestLibraryLoader::load(Process& process) {
+  return std::make_unique<GuestLibrary>(*this, process);
+}
+
+void GuestLibraryLoader::setVersion(double version) {
+  version_ = version;
+  for (GuestLibrary* library : living_) library->setVersion(version);
+}
+
+}  // namespace sim::guest

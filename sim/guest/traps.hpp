@@ -1,0 +1,38 @@
+// The addresses at which the guest reaches the platform.
+#pragma once
+#include <map>
+#include <memory>
+#include <vector>
+
+#include "sim/core/class.hpp"
+#include "sim/guest/cpu.hpp"
+
+namespace sim::guest {
+
+// Where calls into the guest return to.
+inline constexpr Address kReturnTrap = kTrapBase;
+
+// What stands behind an address: an imported function by its name, or exposed platform code.
+struct Trap {
+  std::string name;
+  std::shared_ptr<const NativeCode> code{};
+  bool isMethod = false;
+};
+
+class Traps {
+ public:
+  // The address of an imported function, the same for each name.
+  Address imported(const std::string& name);
+  // A new address for platform code.
+  Address exposed(std::shared_ptr<const NativeCode> code, bool isMethod);
+  // Fault if the guest jumped to where nothing is.
+  const Trap& at(Address address) const;
+
+ private:
+  Address add(Trap trap);
+
+  std::vector<Trap> traps_{{"<return>", {}, false}};
+  std::map<std::string, Address> imports_;
+};
+
+}  // namespace sim::guest

@@ -1,0 +1,107 @@
+// The program as it is called: exit statuses, formats, standard input.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+namespace {
+
+struct Finished {
+  int status;
+  std::string output;
+};
+
+// Runs the simulator with `input` as standard input; both outputs together.
+Finished run(const std::string& arguments, const std::string& input = "") {
+  const auto file =
+      std::filesystem::temp_directory_path() / ("corvalen-input-" + std::to_string(::getpid()));
+  std::ofstream(file) << input;
+  const std::string command =
+      std::string(CORVALEN_SIM) + " " + arguments + " <" + file.string() + " 2>&1";
+  FILE* pipe = popen(command.c_str(), "r");
+  std::string output;
+  std::array<char, 4096> buffer{};
+  while (const std::size_t got = fread(buffer.data(), 1, buffer.size(), pipe))
+    output.append(buffer.data(), got);
+  const int status = pclose(pipe);
+  std::filesystem::remove(file);
+  return {WEXITSTATUS(status), output};
+}
+
+TEST(CommandLine, ReadsStandardInputAndSucceeds) {
+  const Finished result = run("run -", "locked yes\nexpect-nothing\n");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.output, "> locked yes\n");
+}
+
+TEST(CommandLine, AFailedExpectationIsStatusOneAndShowsWhatCameInstead) {
+  const Finished result = run("run -", "boot\nremote 1\nexpect-result NO\nexpect nothing-like-it\n");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_NE(result.output.find("standard input:3: expected NO\n"), std::string::npos);
+  EXPECT_NE(result.output.find("standard input:4: expected nothing-like-it\n"), std::string::npos);
+  EXPECT_NE(result.output.find("instead: com.apple.springboard MRMediaRemoteSendCommand(1, nil)"),
+            std::string::npos);
+}
+
+TEST(CommandLine, AMistakeIsStatusTwoAndNothingRuns) {
+  const Finished result = run("run -", "boot\nfly\n");
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.output, "standard input:2: unknown command fly\n");
+}
+
+TEST(CommandLine, WhatCannotBeDoneStopsTheScenarioAfterItsEcho) {
+  const Finished result = run("run -", "locked yes\ntap-transport 3\nlocked no\n");
+  EXPECT_EQ(result.status, 2);
+  EXPECT_NE(result.output.find("> locked yes\n> tap-transport 3\n"), std::string::npos);
+  EXPECT_NE(result.output.find("standard input:2: SpringBoard is not running"), std::string::npos);
+  EXPECT_EQ(result.output.find("> locked no"), std::string::npos);
+}
+
+TEST(CommandLine, AFileThatCannotBeReadIsStatusTwo) {
+  EXPECT_EQ(run("run /nonexistent/story.txt").status, 2);
+  EXPECT_EQ(run("run /tmp").status, 2);
+}
+
+TEST(CommandLine, AllScenariosRunAndTheWorstStatusWins) {
+  const Finished result = run("run /nonexistent - ", "locked yes\n");
+  EXPECT_EQ(result.status, 2);
+  EXPECT_NE(result.output.find("> locked yes"), std::string::npos);
+}
+
+TEST(CommandLine, UnknownOptionsAreStatusTwo) {
+  EXPECT_EQ(run("run --fly -").status, 2);
+  EXPECT_EQ(run("run --format xml -").status, 2);
+  EXPECT_EQ(run("").status, 2);
+  EXPECT_EQ(run("--help").status, 0);
+}
+
+TEST(CommandLine, JsonHasOneObjectALine) {
+  const Finished result = run("run --format json -", "boot\nremote 1\n");
+  EXPECT_NE(result.output.find("{\"command\": \"remote 1\"}\n"
+                               "{\"time\": 0.00, \"process\": \"com.apple.springboard\", \"call\": "
+                               "\"MRMediaRemoteSendCommand(1, nil)\"}\n{\"result\": \"YES\"}\n"),
+            std::string::npos)
+      << result.output;
+}
+
+TEST(CommandLine, AllCallsShowsMessagesToo) {
+  const Finished result = run("run --calls all -", "boot\n");
+  EXPECT_NE(result.output.find("objc_getClass(\"SBIconController\")"), std::string::npos);
+  EXPECT_NE(result.output.find("-[NSBundle bundleIdentifier]"), std::string::npos);
+}
+
+TEST(CommandLine, TheShellReportsMistakesAndGoesOn) {
+  const Finished result = run("shell", "fly\nwatch 1\nboot\nremote 1\nexpect-result YES\n");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_NE(result.output.find("unknown command fly"), std::string::npos);
+  EXPECT_NE(result.output.find("com.garmin.connect.mobile has no running process"),
+            std::string::npos);
+  EXPECT_NE(result.output.find("= YES\nholds\n"), std::string::npos);
+}
+
+}  // namespace
