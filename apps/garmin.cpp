@@ -10,12 +10,12 @@ using namespace platform;
 namespace {
 
 // The watch's numbers.
-enum WatchCommand : int32_t { kPlayPause = 0, kNext = 1, kPrevious = 2 };
+enum WatchCommand : uint32_t { kPlayPause = 0, kNext = 1, kPrevious = 2 };
 
 }  // namespace
 
-void DidReceiveCommand::replacement(id self, SEL name, NSInteger command) {
-  switch (static_cast<int32_t>(command)) {
+void DidReceiveCommand::replacement(id self, SEL name, uint32_t command) {
+  switch (command) {
     case kPrevious:
       sendMediaCommand(MediaCommand::previousTrack);
       break;

@@ -7,8 +7,8 @@ namespace corvalen::apps {
 // -[GCMMusicController didReceiveCommand:]: the buttons become media commands; play goes through
 // SpringBoard, which may have to start the player.
 struct DidReceiveCommand {
-  static inline constinit platform::Previous<void(id, SEL, NSInteger)> previous{};
-  static void replacement(id self, SEL name, NSInteger command);
+  static inline constinit platform::Previous<void(id, SEL, uint32_t)> previous{};
+  static void replacement(id self, SEL name, uint32_t command);
 };
 
 }  // namespace corvalen::apps

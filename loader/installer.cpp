@@ -34,7 +34,8 @@ void hook(std::span<const HookGroup> groups) {
 void hookAddOns() {
   for (const AddOnRow& addOn : kAddOnHooks) {
     if (!NSFileManager::defaultManager().fileExistsAtPath(addOn.path())) continue;
-    addOn.row.install(objc_getClass(addOn.className), sel_registerName(addOn.row.selectorName));
+    const Class cls = objc_getClass(addOn.className);
+    addOn.row.install(cls, sel_registerName(addOn.row.selectorName));
   }
 }
 

@@ -18,6 +18,9 @@ class Calls final : public Trace {
   void effect(Microseconds, const std::string&, const std::string& call) override {
     all.push_back(call);
   }
+  void otherCall(Microseconds, const std::string&, const std::string& call) override {
+    all.push_back(call);
+  }
   bool wantsAllCalls() const override { return wantsAll; }
   std::size_t count(const std::string& call) const {
     return static_cast<std::size_t>(std::ranges::count(all, call));

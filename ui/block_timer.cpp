@@ -40,14 +40,16 @@ Retained<Object> copyOf(Object block) {
 
 NSTimer scheduledTimer(NSTimeInterval seconds, Object block, bool repeats) {
   const auto copy = copyOf(block);
-  return NSTimer::scheduledTimer(seconds, NSTimer::cls(), selector<"rvExecuteSimpleBlock:">(),
-                                 copy.get(), repeats);
+  const ClassObject target = NSTimer::cls();
+  const SEL action = selector<"rvExecuteSimpleBlock:">();
+  return NSTimer::scheduledTimer(seconds, target, action, copy.get(), repeats);
 }
 
 NSTimer timer(NSTimeInterval seconds, Object block, bool repeats) {
   const auto copy = copyOf(block);
-  return NSTimer::timer(seconds, NSTimer::cls(), selector<"rvExecuteSimpleBlock:">(), copy.get(),
-                        repeats);
+  const ClassObject target = NSTimer::cls();
+  const SEL action = selector<"rvExecuteSimpleBlock:">();
+  return NSTimer::timer(seconds, target, action, copy.get(), repeats);
 }
 
 void registerTimerCategory() { addMethods(metaclassOf(NSTimer::cls().cls()), kClassMethods); }

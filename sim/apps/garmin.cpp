@@ -12,7 +12,8 @@ ClassDefinition defineGCMMusicController() {
   auto definition =
       ClassDefinition::of<Object>("GCMMusicController", "NSObject", Home::app(kGarmin));
   definition
-      .code(detail::methodCode<Object, void, long>("didReceiveCommand:", [](Object&, long) {}))
+      .code(detail::methodCode<Object, void, unsigned>("didReceiveCommand:",
+                                                       [](Object&, unsigned) {}))
       .effect();
   return definition;
 }

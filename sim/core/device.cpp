@@ -152,6 +152,10 @@ void Device::effect(const Process& process, const std::string& call) {
   trace.effect(clock.now(), process.identifier, call);
 }
 
+void Device::otherCall(const Process& process, const std::string& call) {
+  trace.otherCall(clock.now(), process.identifier, call);
+}
+
 Address Device::nextObjectAddress() {
   const Address address = nextObject_;
   nextObject_ += kStep;

@@ -96,6 +96,7 @@ class Device {
 
   void postDarwin(const std::string& name);
   void effect(const Process& process, const std::string& call);
+  void otherCall(const Process& process, const std::string& call);
 
   // Handle spaces, unique over all processes so that a stale one is always found out.
   Address nextObjectAddress();

@@ -58,7 +58,7 @@ Value Process::callImplementation(const Implementation& implementation, const Si
                                   Caller caller) {
   Invocation invocation{*this, self, name, std::move(arguments), rest, caller};
   if (implementation.native) return runNative(*implementation.native, invocation);
-  if (device.trace.wantsAllCalls()) device.effect(*this, described(invocation));
+  if (device.trace.wantsAllCalls()) device.otherCall(*this, described(invocation));
   std::vector<Value> all;
   if (self) {
     all.push_back(Value::object(self->address));
@@ -69,8 +69,13 @@ Value Process::callImplementation(const Implementation& implementation, const Si
 }
 
 Value Process::runNative(const NativeCode& code, Invocation& invocation) {
-  if (!code.relay && (code.effect || device.trace.wantsAllCalls()))
-    device.effect(*this, code.describe ? code.describe(invocation) : described(invocation));
+  if (!code.relay && (code.effect || device.trace.wantsAllCalls())) {
+    const std::string call = code.describe ? code.describe(invocation) : described(invocation);
+    if (code.effect)
+      device.effect(*this, call);
+    else
+      device.otherCall(*this, call);
+  }
   return code.run(invocation);
 }
 

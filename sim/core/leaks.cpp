@@ -17,7 +17,7 @@ std::vector<std::string> Process::leaks() {
   const auto ranges = library_ ? library_->data() : decltype(library_->data()){};
   for (const auto& [start, size] : ranges)
     for (Address at = (start + word - 1) / word * word; at + word <= start + size; at += word) {
-      const auto found = owned.find(library_->readPointer(at));
+      const auto found = owned.find(library_->dataWord(at));
       if (found != owned.end()) --found->second;
     }
   std::vector<std::string> lost;

@@ -36,6 +36,8 @@ class Library {
   virtual unsigned pointerSize() const = 0;
   // Ranges of the library's own variables, for the search for leaks: (address, size).
   virtual std::vector<std::pair<Address, std::size_t>> data() const = 0;
+  // A pointer-wide word within data(), whatever it means.
+  virtual Address dataWord(Address at) const { return readPointer(at); }
 
   std::string readText(Address from) const;
   Address readPointer(Address from) const;

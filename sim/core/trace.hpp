@@ -12,6 +12,8 @@ class Trace {
   virtual ~Trace() = default;
   // A call that reached the platform, in `process`, at `time`.
   virtual void effect(Microseconds time, const std::string& process, const std::string& call) = 0;
+  // Any other call, if they are wanted: no effect, and nothing that is expected.
+  virtual void otherCall(Microseconds, const std::string&, const std::string&) {}
   // Whether calls that are no effects are wanted too.
   virtual bool wantsAllCalls() const { return false; }
 };

@@ -19,6 +19,19 @@ bool addMethod(Process& process, Class* cls, Selector name, Pointer code, std::s
   return true;
 }
 
+// Without the encoding, which is another on each width.
+std::string describeAddMethod(const Invocation& invocation) {
+  const auto* cls = dynamic_cast<const Class*>(invocation.object(0));
+  return std::string("class_addMethod(") + (cls && cls->meta ? "+" : "") +
+         (cls ? cls->name : "nil") + ", " +
+         invocation.process.selectorName(invocation.arguments[1].bits) + ")";
+}
+
+NativeCode described(NativeCode code, Describe describe) {
+  code.describe = std::move(describe);
+  return code;
+}
+
 Class* allocateClassPair(Process& process, Class* superclass, std::string name, unsigned long) {
   if (!superclass || process.findClass(name)) return nullptr;
   return &process.createClass(name, superclass);
@@ -70,7 +83,7 @@ Functions runtimeFunctions() {
       bindFunction("objc_getClass", &getClass),
       bindFunction("sel_registerName", &registerName),
       bindFunction("object_getClass", &getObjectClass),
-      bindFunction("class_addMethod", &addMethod),
+      described(bindFunction("class_addMethod", &addMethod), describeAddMethod),
       bindFunction("objc_allocateClassPair", &allocateClassPair),
       bindFunction("objc_registerClassPair", &registerClassPair),
       bindFunction("objc_setAssociatedObject", &setAssociated),

@@ -28,7 +28,7 @@ Action openCommand(Arguments& words) {
 }
 
 Action tapTransportCommand(Arguments& words) {
-  const auto type = static_cast<long>(words.whole("a control type", 0, kMostCommand));
+  const auto type = static_cast<long>(words.whole("a control type", 0, kMostInt));
   return doing([=](Device& device) { tapTransport(device, type); });
 }
 
