@@ -18,7 +18,7 @@ mkdir -p "$work"
 mapfile -t sources < <(sed -n 's/^  \(.*\.cpp\)$/\1/p' "$root/library.cmake")
 python3 "$device/stubs/make_stubs.py" "$out/stubs"
 
-flags=(-std=c++20 -Os -fno-exceptions -fno-rtti -fvisibility=hidden -fvisibility-inlines-hidden
+flags=(-std=c++20 -fno-exceptions -fno-rtti -fvisibility=hidden -fvisibility-inlines-hidden
   -fno-threadsafe-statics -fno-c++-static-destructors -fno-stack-protector
   -nostdinc++ -nostdlibinc -isystem "$device/shim/config" -isystem "$headers"
   -isystem "$device/shim/c" -I. -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
@@ -31,13 +31,18 @@ compile() {
   local modules=()
   for source in "${sources[@]}"; do
     local module=$work/${source//\//_}.$slice.bc
-    (cd "$root" && clang++-19 "$target" "${flags[@]}" "$@" -Xclang -disable-llvm-passes \
+    # Small everywhere, but quick where every process passes: in the loader.
+    local size=-Oz
+    [[ $source == loader/* ]] && size=-Os
+    (cd "$root" && clang++-19 "$target" $size "${flags[@]}" "$@" -Xclang -disable-llvm-passes \
       -emit-llvm -c "$source" -o "$module")
     modules+=("$module")
   done
   llvm-link-19 "${modules[@]}" -o "$work/all.$slice.bc"
-  opt-19 --passes='internalize,default<Os>,globaldce' "$work/all.$slice.bc" -o "$work/opt.$slice.bc"
-  clang-19 "$target" -Os -Xclang -disable-llvm-passes -w -S "$work/opt.$slice.bc" -o "$work/$slice.s"
+  opt-19 --passes='internalize,default<Oz>,globaldce' "$work/all.$slice.bc" -o "$work/opt.$slice.bc"
+  clang-19 "$target" -Oz -Xclang -disable-llvm-passes -w -S "$work/opt.$slice.bc" -o "$work/$slice.s"
+  # Constants fit into the data's one page; in the text they would make the file a page longer.
+  sed -i 's/__TEXT,__const/__DATA,__const/' "$work/$slice.s"
   if [ "$slice" = armv7 ]; then
     python3 "$device/tools/fix_armv7_assembly.py" "$work/$slice.s"
   fi
