@@ -230,7 +230,7 @@ class HostLibrary final : public Library {
   unsigned pointerSize() const override { return sizeof(void*); }
 
   // Sanitizers put guards between variables, which a search over all of them must read.
-  [[gnu::no_sanitize("address")]] Address dataWord(Address at) const override {
+  __attribute__((no_sanitize_address)) Address dataWord(Address at) const override {
     return *reinterpret_cast<const volatile Address*>(at);
   }
 

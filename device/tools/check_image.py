@@ -1,0 +1,178 @@
+#!/usr/bin/env python3
+"""check_image.py FILE: what the loaders of iOS 7 to 9 demand of the library, and what we do.
+
+Reads the file by itself and with LLVM's tools. Prints what is wrong; exit status 1 if anything is.
+"""
+import pathlib
+import re
+import struct
+import subprocess
+import sys
+
+import code_signature
+import macho
+
+STUBS = pathlib.Path(__file__).parent.parent / 'stubs' / 'imports.txt'
+LARGEST = 64 * 1024  # bytes a slice
+INITIALISERS, ZERO_FILL = 9, 1
+WEAK_FLAGS = 0x18000
+KNOWN_REQUIRED = {macho.DYLD_INFO_ONLY}
+IOS_7 = 7 << 16
+
+
+def exporters():
+    """symbol -> short name of the library that has it."""
+    found = {}
+    for line in STUBS.read_text().splitlines():
+        line = line.split('#')[0].strip()
+        if line:
+            install_name, symbols = line.split(' : ')
+            for symbol in symbols.split():
+                found[symbol.removeprefix('D:')] = install_name.strip()
+    return found
+
+
+def layout_problems(image):
+    segments = list(image.segments())
+    for name, address, size, offset, file_size, protection in segments:
+        if address % image.page or offset % image.page:
+            yield f'segment {name} is not aligned to a page'
+        if size < file_size:
+            yield f'segment {name} is larger in the file than in memory'
+        if offset == 0 and (protection != 5 or file_size < image.commands_end):
+            yield 'load commands are not in an executable segment'
+    for i, (name, address, size, *_) in enumerate(segments):
+        for other, start, length, *_ in segments[i + 1:]:
+            if address < start + length and start < address + size:
+                yield f'segments {name} and {other} overlap'
+    if segments[-1][0] != '__LINKEDIT' or max(s[3] for s in segments) != segments[-1][3]:
+        yield '__LINKEDIT is not last'
+    for segment, name, _, _, offset, kind in image.sections():
+        if kind == ZERO_FILL and offset:
+            yield f'zero-fill section {name} has a file offset'
+        if name == '__nl_symbol_ptr':
+            yield 'imported variables in __nl_symbol_ptr would not be bound'
+
+
+def command_problems(image):
+    kinds = image.kinds()
+    for kind in kinds:
+        if kind & 0x80000000 and kind not in KNOWN_REQUIRED:
+            yield f'load command {kind:#x} is unknown to old loaders'
+    for kind, name in ((macho.MIN_VERSION, 'minimum version'), (macho.SIGNATURE, 'signature'),
+                       (macho.DYLD_INFO_ONLY, 'fix-ups'), (macho.ID_DYLIB, 'install name')):
+        if kinds.count(kind) != 1:
+            yield f'{kinds.count(kind)} load commands for the {name}'
+    version = image.command(macho.MIN_VERSION)
+    if version and struct.unpack_from('<I', version, 8)[0] != IOS_7:
+        yield 'the minimum version is not 7.0'
+    info = image.command(macho.DYLD_INFO_ONLY)
+    if info and struct.unpack_from('<I', info, 28)[0]:
+        yield 'weak binds'
+    if info and struct.unpack_from('<I', info, 44)[0]:
+        yield 'exported symbols'
+    if image.flags & WEAK_FLAGS:
+        yield 'weak definitions or uses'
+    for name, compatibility in image.linked_libraries():
+        if compatibility:
+            yield f'{name} must not ask for a version'
+
+
+def initialiser_problems(image):
+    word, code = (8, '<Q') if image.wide else (4, '<I')
+    pointers = [struct.unpack_from(code, image.data, offset + at)[0]
+                for _, _, _, size, offset, kind in image.sections() if kind == INITIALISERS
+                for at in range(0, size, word)]
+    if len(pointers) != 1:
+        yield f'{len(pointers)} initialisers'
+    if not image.wide and any(not pointer & 1 for pointer in pointers):
+        yield 'an initialiser without its Thumb bit'
+
+
+def rebased(path, architecture):
+    """(section, address) of each pointer that moves with the image."""
+    out = subprocess.run(['llvm-objdump-19', '--macho', f'--arch={architecture}', '--rebase', path],
+                         capture_output=True, text=True, check=True).stdout
+    for match in re.finditer(r'^__\w+\s+(\S+)\s+0x(\w+)\s+pointer', out, re.M):
+        yield match[1], int(match[2], 16)
+
+
+def thumb_problems(path, image):
+    """Every pointer of the 32-bit slice into its code carries the Thumb bit."""
+    if image.wide:
+        return
+    text = next((a, a + s) for _, n, a, s, _, _ in image.sections() if n == '__text')
+    for name, address in rebased(path, image.architecture):
+        offset = next(o + address - a for _, _, a, s, o, _ in image.sections()
+                      if a <= address < a + s)
+        value, = struct.unpack_from('<I', image.data, offset)
+        if text[0] <= value < text[1] and not value & 1:
+            yield f'a pointer {value:#x} into code without its Thumb bit in {name}'
+
+
+def bound(path, architecture):
+    """(segment, library, symbol) of each bind, as LLVM's tools read them."""
+    out = subprocess.run(['llvm-objdump-19', '--macho', f'--arch={architecture}', '--bind',
+                          '--lazy-bind', path], capture_output=True, text=True, check=True).stdout
+    for match in re.finditer(r'^(__\w+)\s+\S+\s+0x\S+\s+(?:pointer\s+\d+\s+)?(\S+)\s+(\S+)$', out,
+                             re.M):
+        yield match.groups()
+
+
+def import_problems(path, image):
+    have = exporters()
+    libraries = {pathlib.PurePosixPath(n).name.split('.')[0]: n for n in set(have.values())}
+    binds = list(bound(path, image.architecture))
+    for segment, library, symbol in binds:
+        if segment != '__DATA':
+            yield f'a fix-up in {segment}'
+        if symbol not in have:
+            yield f'{symbol} is imported but not one of the platform\'s'
+        elif libraries.get(library.split('.')[0]) != have[symbol]:
+            yield f'{symbol} is bound to {library}'
+    names = {symbol for _, _, symbol in binds}
+    undefined = subprocess.run(['llvm-nm-19', f'--arch={image.architecture}', '-u', '-j', path],
+                               capture_output=True, text=True, check=True).stdout.split()
+    for symbol in undefined:
+        if symbol.startswith('_') and symbol not in names:
+            yield f'{symbol} is undefined and not bound'
+    for name, _ in image.linked_libraries():
+        if name not in libraries.values():
+            yield f'{name} is linked'
+
+
+def signature_problems(image):
+    command = image.command(macho.SIGNATURE)
+    if not command:
+        return
+    offset, size = struct.unpack_from('<II', command, 8)
+    if offset + size != len(image.data):
+        yield 'the signature does not end the file'
+    yield from code_signature.problems(image.data[:offset], image.data[offset:offset + size])
+
+
+def problems(path):
+    data = pathlib.Path(path).read_bytes()
+    seen = []
+    for architecture, part in macho.slices(data):
+        image = macho.Image(part)
+        seen.append(architecture)
+        found = [*layout_problems(image), *command_problems(image), *initialiser_problems(image),
+                 *thumb_problems(path, image), *import_problems(path, image), *signature_problems(image)]
+        if len(part) >= LARGEST:
+            found.append(f'{len(part)} bytes, not below {LARGEST}')
+        yield from (f'{architecture}: {problem}' for problem in found)
+    if sorted(seen) != ['arm64', 'armv7']:
+        yield f'slices {seen}, not arm64 and armv7'
+
+
+def main():
+    found = list(problems(sys.argv[1]))
+    for problem in found:
+        print(problem)
+    print(f'{sys.argv[1]}: {"wrong" if found else "as it must be"}')
+    sys.exit(bool(found))
+
+
+if __name__ == '__main__':
+    main()
