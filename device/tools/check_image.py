@@ -151,17 +151,27 @@ def signature_problems(image):
     yield from code_signature.problems(image.data[:offset], image.data[offset:offset + size])
 
 
+def slice_problems(path, image):
+    yield from layout_problems(image)
+    yield from command_problems(image)
+    yield from initialiser_problems(image)
+    yield from signature_problems(image)
+    try:
+        yield from thumb_problems(path, image)
+        yield from import_problems(path, image)
+    except subprocess.CalledProcessError as error:
+        yield f'{error.cmd[0]} refuses the file: {error.stderr.strip()}'
+
+
 def problems(path):
     data = pathlib.Path(path).read_bytes()
     seen = []
     for architecture, part in macho.slices(data):
-        image = macho.Image(part)
         seen.append(architecture)
-        found = [*layout_problems(image), *command_problems(image), *initialiser_problems(image),
-                 *thumb_problems(path, image), *import_problems(path, image), *signature_problems(image)]
+        for problem in slice_problems(path, macho.Image(part)):
+            yield f'{architecture}: {problem}'
         if len(part) >= LARGEST:
-            found.append(f'{len(part)} bytes, not below {LARGEST}')
-        yield from (f'{architecture}: {problem}' for problem in found)
+            yield f'{architecture}: {len(part)} bytes, not below {LARGEST}'
     if sorted(seen) != ['arm64', 'armv7']:
         yield f'slices {seen}, not arm64 and armv7'
 

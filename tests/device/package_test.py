@@ -1,0 +1,231 @@
+#!/usr/bin/env python3
+"""The finished device library and packages, read with independent tools; and the checks themselves,
+each seen to fail on a broken copy."""
+import os
+import pathlib
+import plistlib
+import re
+import struct
+import subprocess
+import sys
+import tempfile
+import unittest
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
+sys.path.insert(0, str(ROOT / 'device' / 'tools'))
+import check_image  # noqa: E402
+import fix_armv7_assembly  # noqa: E402
+import macho  # noqa: E402
+
+WORK = tempfile.TemporaryDirectory()
+OUT = pathlib.Path(WORK.name) / 'first'
+LIBRARY = OUT / 'device' / 'proCorvalen.dylib'
+MAIN = OUT / 'com.qvethmar.corvalenpro_1.0.0_iphoneos-arm.deb'
+SETTINGS = OUT / 'com.qvethmar.corvalenpro-settings_1.0.0_iphoneos-arm.deb'
+FILTERED = './Library/MobileSubstrate/DynamicLibraries/proCorvalen'
+
+
+def run(*command):
+    return subprocess.run(command, capture_output=True, text=True, check=True).stdout
+
+
+def setUpModule():
+    subprocess.run([ROOT / 'device' / 'package.sh', OUT], check=True, capture_output=True)
+
+
+def tearDownModule():
+    WORK.cleanup()
+
+
+class Library(unittest.TestCase):
+    def test_is_as_old_loaders_and_we_want_it(self):
+        self.assertEqual(list(check_image.problems(LIBRARY)), [])
+
+    def test_links_nothing_that_a_daemon_does_not_have(self):
+        for architecture, data in macho.slices(LIBRARY.read_bytes()):
+            linked = sorted(name for name, _ in macho.Image(data).linked_libraries())
+            self.assertEqual(linked, [
+                '/Library/Frameworks/CydiaSubstrate.framework/CydiaSubstrate',
+                '/System/Library/Frameworks/CoreFoundation.framework/CoreFoundation',
+                '/usr/lib/libSystem.B.dylib', '/usr/lib/libobjc.A.dylib'], architecture)
+
+    def test_imports_are_the_seam_and_what_compilers_call(self):
+        seam = set(re.findall(r'PLATFORM_SYMBOL\((\w+)\)',
+                              (ROOT / 'platform' / 'c_abi.hpp').read_text())) - {'name'}
+        helpers = {'memcpy', 'memmove', 'memset', 'memcmp', 'strlen'}
+        listed = {s.removeprefix('_') for s in check_image.exporters()} - {'dyld_stub_binder'}
+        self.assertEqual(listed, seam | helpers)
+
+    def test_names_in_the_binary_are_those_that_tables_and_views_declare(self):
+        sources = ''.join(p.read_text() for folder in
+                          ('platform', 'loader', 'springboard', 'apps', 'ui', 'welcome')
+                          for p in sorted((ROOT / folder).glob('*.?pp')))
+        joined = re.sub(r'"\s*\n\s*"', '', sources)
+        declared = set(re.findall(r'"((?:[^"\\\n]|\\.)*)"', joined))
+        rows = set(re.findall(r'(?:method<[^,<>]+(?:<[^>]*>)?,\s*|addedMethod<&[^,]+,\s*)"([^"]+)"',
+                              joined))
+        rows |= set(re.findall(r'\{"(\w+)", k\w+, ', joined))
+        self.assertGreater(len(rows), 60)
+        for architecture, data in macho.slices(LIBRARY.read_bytes()):
+            found = set()
+            for _, name, _, size, offset, _ in macho.Image(data).sections():
+                if name in ('__const', '__cstring', '__data'):
+                    found |= set(re.findall(rb'[\x20-\x7e]{2,}(?=\0)', data[offset:offset + size]))
+            found = {text.decode() for text in found}
+            self.assertEqual(rows - found, set(), architecture)
+            selectors = {t for t in found if re.fullmatch(r'[A-Za-z_]\w*(:\w*)*:', t)}
+            classes = {t for t in found if re.fullmatch(r'(NS|SB|MPU|UI|AC|SL|AL|TU|AV|SPT|MT)[A-Z]\w+', t)}
+            self.assertGreater(len(selectors), 40)
+            prefixed = {t for t in selectors | classes if t not in declared}
+            self.assertEqual(prefixed, set(), architecture)
+
+
+class BrokenLibraries(unittest.TestCase):
+    """Each check fails on a copy that is broken in its way."""
+
+    def problems(self, data):
+        with tempfile.NamedTemporaryFile(suffix='.dylib') as file:
+            file.write(data)
+            file.flush()
+            return '\n'.join(check_image.problems(file.name))
+
+    def thin(self, architecture):
+        return bytearray(dict(macho.slices(LIBRARY.read_bytes()))[architecture])
+
+    def with_command(self, architecture, kind, at, value):
+        """A slice with a 32-bit field of one load command changed."""
+        data = self.thin(architecture)
+        image = macho.Image(data)
+        offset = image.header_size
+        for command in image.commands:
+            if struct.unpack_from('<I', command)[0] == kind:
+                struct.pack_into('<I', data, offset + at, value)
+                return data
+            offset += len(command)
+        raise AssertionError('no such command')
+
+    def section(self, architecture, wanted):
+        return next(s for s in macho.Image(self.thin(architecture)).sections() if s[1] == wanted)
+
+    def test_a_changed_byte_breaks_a_page_hash(self):
+        data = bytearray(LIBRARY.read_bytes())
+        data[-0x6000] ^= 1
+        self.assertIn('wrong hash of page', self.problems(data))
+
+    def test_one_slice_is_not_enough(self):
+        self.assertIn('not arm64 and armv7', self.problems(self.thin('arm64')))
+
+    def test_a_later_minimum_version(self):
+        data = self.with_command('arm64', macho.MIN_VERSION, 8, 9 << 16)
+        self.assertIn('minimum version is not 7.0', self.problems(data))
+
+    def test_a_version_asked_of_a_linked_library(self):
+        data = self.with_command('arm64', macho.LOAD_DYLIB, 20, 0x10000)
+        self.assertIn('must not ask for a version', self.problems(data))
+
+    def test_an_unknown_required_command(self):
+        data = self.with_command('arm64', macho.MIN_VERSION, 0, 0x80000034)
+        self.assertIn('unknown to old loaders', self.problems(data))
+
+    def test_weak_binds_and_exports(self):
+        self.assertIn('weak binds',
+                      self.problems(self.with_command('arm64', macho.DYLD_INFO_ONLY, 28, 8)))
+        self.assertIn('exported symbols',
+                      self.problems(self.with_command('arm64', macho.DYLD_INFO_ONLY, 44, 8)))
+
+    def test_an_initialiser_without_its_thumb_bit(self):
+        data = self.thin('armv7')
+        _, _, _, _, offset, _ = self.section('armv7', '__mod_init_func')
+        data[offset] &= 0xfe
+        self.assertIn('without its Thumb bit', self.problems(data))
+
+    def test_a_function_pointer_without_its_thumb_bit(self):
+        data = self.thin('armv7')
+        image = macho.Image(data)
+        text = next((a, a + s) for _, n, a, s, _, _ in image.sections() if n == '__text')
+        _, _, _, size, offset, _ = self.section('armv7', '__const')
+        for at in range(offset, offset + size - 3, 4):
+            value, = struct.unpack_from('<I', data, at)
+            if text[0] <= value < text[1] and value & 1:
+                data[at] &= 0xfe
+        self.assertIn('into code without its Thumb bit', self.problems(data))
+
+    def test_a_slice_over_the_budget(self):
+        self.assertIn('not below', self.problems(self.thin('arm64') + bytes(16384)))
+
+    def test_weak_definitions_are_refused_before_linking(self):
+        with self.assertRaises(SystemExit):
+            list(fix_armv7_assembly.fixed(['\t.weak_definition _f']))
+
+
+class Packages(unittest.TestCase):
+    def field(self, package, name):
+        return run('dpkg-deb', '-f', package, name).strip()
+
+    def test_fields(self):
+        version = (ROOT / 'VERSION').read_text().strip()
+        self.assertEqual(self.field(MAIN, 'Package'), 'com.qvethmar.corvalenpro')
+        self.assertEqual(self.field(MAIN, 'Architecture'), 'iphoneos-arm')
+        self.assertEqual(self.field(MAIN, 'Section'), 'Tweaks')
+        self.assertEqual(self.field(MAIN, 'Version'), version)
+        self.assertEqual(self.field(MAIN, 'Depends'),
+                         'mobilesubstrate (>= 0.9.5000), firmware (>= 7.0), applist')
+        self.assertIn('preferenceloader', self.field(SETTINGS, 'Depends'))
+        self.assertEqual(self.field(SETTINGS, 'Version'), version)
+
+    def test_owners_and_modes(self):
+        lines = run('dpkg-deb', '-c', MAIN).splitlines()
+        modes = {line.split()[-1]: line.split()[:2] for line in lines}
+        self.assertEqual(modes[FILTERED + '.dylib'], ['-rwxr-xr-x', 'root/root'])
+        self.assertEqual(modes[FILTERED + '.plist'], ['-rw-r--r--', 'root/root'])
+        for line in lines:
+            self.assertEqual(line.split()[1], 'root/root')
+
+    def test_compression_that_old_phones_unpack(self):
+        for package in (MAIN, SETTINGS):
+            members = run('ar', 't', package).split()
+            self.assertEqual(members, ['debian-binary', 'control.tar.gz', 'data.tar.gz'])
+
+    def test_nothing_of_the_users_is_shipped_or_removed(self):
+        for package in (MAIN, SETTINGS):
+            self.assertNotIn('/var/', run('dpkg-deb', '-c', package))
+            self.assertEqual(run('dpkg-deb', '-I', package).count('*'), 0)  # no scripts
+
+    def extracted(self, package):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        run('dpkg-deb', '-x', package, folder.name)
+        return pathlib.Path(folder.name)
+
+    def test_the_filter_reaches_springboard_apps_and_the_accessory_daemons(self):
+        data = (self.extracted(MAIN) / (FILTERED + '.plist')).read_bytes()
+        self.assertEqual(plistlib.loads(data), {'Filter': {
+            'Mode': 'Any', 'Bundles': ['com.apple.springboard', 'com.apple.UIKit'],
+            'Executables': ['BTAvrcp', 'BTLEServer', 'iapd']}})
+
+    def test_the_settings_page_writes_every_setting_and_announces_it(self):
+        root = self.extracted(SETTINGS)
+        files = [p for p in root.rglob('*') if p.is_file()]
+        self.assertEqual([p.name for p in files], ['CorvalenPro.plist'])
+        pane = plistlib.loads(files[0].read_bytes())
+        self.assertEqual(pane['entry']['label'], 'Corvalen Pro')
+        keys = {item['key']: item for item in pane['items'] if 'key' in item}
+        header = (ROOT / 'loader' / 'preferences.hpp').read_text()
+        declared = set(re.findall(r'return "(\w+)"_ns', header))
+        self.assertEqual(set(keys), declared - {'feo63OPBmERAd2000UpdRdCAND', 'hasShownWAL'})
+        for item in keys.values():
+            self.assertIn('bfaK8ayWXeXMQum',
+                          (item.get('PostNotification'), item.get('ALChangeNotification')))
+
+    def test_two_builds_in_two_folders_give_the_same_bytes(self):
+        with tempfile.TemporaryDirectory() as second:
+            subprocess.run([ROOT / 'device' / 'package.sh', second], check=True,
+                           capture_output=True)
+            for first in (LIBRARY, MAIN, SETTINGS):
+                other = pathlib.Path(second) / first.relative_to(OUT)
+                self.assertEqual(first.read_bytes(), other.read_bytes(), first.name)
+
+
+if __name__ == '__main__':
+    os.chdir(ROOT)
+    unittest.main()
