@@ -40,7 +40,8 @@ TEST(CommandLine, ReadsStandardInputAndSucceeds) {
 }
 
 TEST(CommandLine, AFailedExpectationIsStatusOneAndShowsWhatCameInstead) {
-  const Finished result = run("run -", "boot\nremote 1\nexpect-result NO\nexpect nothing-like-it\n");
+  const Finished result =
+      run("run -", "boot\nremote 1\nexpect-result NO\nexpect nothing-like-it\n");
   EXPECT_EQ(result.status, 1);
   EXPECT_NE(result.output.find("standard input:3: expected NO\n"), std::string::npos);
   EXPECT_NE(result.output.find("standard input:4: expected nothing-like-it\n"), std::string::npos);
