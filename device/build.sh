@@ -31,9 +31,9 @@ compile() {
   local modules=()
   for source in "${sources[@]}"; do
     local module=$work/${source//\//_}.$slice.bc
-    # Small everywhere, but quick where every process passes: in the loader.
+    # Small everywhere, but quick where every process passes: in the installer.
     local size=-Oz
-    [[ $source == loader/* ]] && size=-Os
+    [[ $source == loader/installer.cpp ]] && size=-O2
     (cd "$root" && clang++-19 "$target" $size "${flags[@]}" "$@" -Xclang -disable-llvm-passes \
       -emit-llvm -c "$source" -o "$module")
     modules+=("$module")

@@ -22,14 +22,18 @@
 
 namespace corvalen::loader {
 
-// ---- SpringBoard: observers
+// ---- SpringBoard: observers, on the Darwin center
 
 inline constexpr ObserverRow kSpringBoardObservers[] = {
-    darwin(signals::settingsChanged, springboard::settingsChanged),
-    darwin(signals::playerStarted, springboard::playerStarted),
-    darwin(signals::launchPlayer, springboard::launchRequested),
-    darwin(signals::togglePlayback, springboard::toggleRequested),
-    local(signals::headphoneJackChanged, springboard::headphoneJackChanged),
+    {signals::settingsChanged, springboard::settingsChanged},
+    {signals::playerStarted, springboard::playerStarted},
+    {signals::launchPlayer, springboard::launchRequested},
+    {signals::togglePlayback, springboard::toggleRequested},
+};
+
+// On the local center.
+inline constexpr ObserverRow kSpringBoardLocalObservers[] = {
+    {signals::headphoneJackChanged, springboard::headphoneJackChanged},
 };
 
 // ---- SpringBoard: hooks, by class. Rows of one group share one look-up of their class; a group
@@ -101,19 +105,16 @@ inline constexpr HookGroup kSpringBoardHooks[] = {
 
 // Other developers' widgets, each where its library is.
 namespace add_on {
-using namespace platform::literals;
-inline platform::NSString acapella() {
-  return "/Library/MobileSubstrate/DynamicLibraries/Acapella.dylib"_ns;
-}
-inline platform::NSString acapella2() {
-  return "/Library/MobileSubstrate/DynamicLibraries/Acapella2.dylib"_ns;
-}
-inline platform::NSString auxo() {
-  return "/Library/MobileSubstrate/DynamicLibraries/Auxo.dylib"_ns;
-}
-inline platform::NSString miniPlayer() {
-  return "/Library/MobileSubstrate/DynamicLibraries/MiniPlayer.dylib"_ns;
-}
+using platform::ConstantText;
+using platform::kConstantText;
+inline constexpr ConstantText acapella =
+    kConstantText<"/Library/MobileSubstrate/DynamicLibraries/Acapella.dylib">;
+inline constexpr ConstantText acapella2 =
+    kConstantText<"/Library/MobileSubstrate/DynamicLibraries/Acapella2.dylib">;
+inline constexpr ConstantText auxo =
+    kConstantText<"/Library/MobileSubstrate/DynamicLibraries/Auxo.dylib">;
+inline constexpr ConstantText miniPlayer =
+    kConstantText<"/Library/MobileSubstrate/DynamicLibraries/MiniPlayer.dylib">;
 }  // namespace add_on
 
 inline constexpr AddOnRow kAddOnHooks[] = {
@@ -134,7 +135,7 @@ inline constexpr AddOnRow kAddOnHooks[] = {
 
 // Spotify and Podcasts observe the go-ahead, then say that they have started.
 inline constexpr ObserverRow kPlayerObservers[] = {
-    darwin(signals::startPlaying, apps::startPlaying),
+    {signals::startPlaying, apps::startPlaying},
 };
 
 inline constexpr MethodRow kPlaybackController[] = {
@@ -172,8 +173,8 @@ inline constexpr HookGroup kGarminHooks[] = {
 // ---- Every other process: these observers, and MRMediaRemoteSendCommand by apps::PlayCommand.
 
 inline constexpr ObserverRow kOtherObservers[] = {
-    darwin(signals::nowPlaying, apps::nowPlaying),
-    darwin(signals::nothingPlaying, apps::nothingPlaying),
+    {signals::nowPlaying, apps::nowPlaying},
+    {signals::nothingPlaying, apps::nothingPlaying},
 };
 
 }  // namespace corvalen::loader

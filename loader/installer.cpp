@@ -12,18 +12,16 @@ using namespace platform;
 
 namespace {
 
-void observe(std::span<const ObserverRow> rows) {
-  for (const ObserverRow& row : rows) {
-    const CFNotificationCenterRef center = row.isDarwin
-                                               ? CFNotificationCenterGetDarwinNotifyCenter()
-                                               : CFNotificationCenterGetLocalCenter();
-    CFNotificationCenterAddObserver(center, nullptr, row.callback, row.name().raw, nullptr,
+template <size_t Count>
+[[gnu::always_inline]] inline void observe(CFNotificationCenterRef center,
+                                           const ObserverRow (&rows)[Count]) {
+  for (const ObserverRow& row : rows)
+    CFNotificationCenterAddObserver(center, nullptr, row.callback, objectOf(row.name), nullptr,
                                     kDeliverImmediately);
-  }
 }
 
 // A class that is missing is passed on as it is: the hooking framework then installs nothing.
-void hook(std::span<const HookGroup> groups) {
+[[gnu::noinline]] void hook(std::span<const HookGroup> groups) {
   for (const HookGroup& group : groups) {
     if (!group.versions.contains(version())) continue;
     const Class cls = objc_getClass(group.className);
@@ -33,7 +31,8 @@ void hook(std::span<const HookGroup> groups) {
 
 void hookAddOns() {
   for (const AddOnRow& addOn : kAddOnHooks) {
-    if (!NSFileManager::defaultManager().fileExistsAtPath(addOn.path())) continue;
+    if (!NSFileManager::defaultManager().fileExistsAtPath(view<NSString>(objectOf(addOn.path))))
+      continue;
     const Class cls = objc_getClass(addOn.className);
     addOn.row.install(cls, sel_registerName(addOn.row.selectorName));
   }
@@ -44,41 +43,56 @@ void hookMediaCommand() {
   hookFunction<Hook>(reinterpret_cast<void*>(mediaCommandFunction()));
 }
 
-void installSpringBoard() {
+[[gnu::noinline]] void installSpringBoard() {
   preferences::loadPreferences();
-  observe(kSpringBoardObservers);
+  observe(CFNotificationCenterGetDarwinNotifyCenter(), kSpringBoardObservers);
+  observe(CFNotificationCenterGetLocalCenter(), kSpringBoardLocalObservers);
   hook(kSpringBoardHooks);
   hookAddOns();
   hookMediaCommand<springboard::RemoteCommand>();
 }
 
-void installPlayer(std::span<const HookGroup> hooks) {
-  observe(kPlayerObservers);
+[[gnu::noinline]] void installPlayer(std::span<const HookGroup> hooks) {
+  observe(CFNotificationCenterGetDarwinNotifyCenter(), kPlayerObservers);
   apps::readAutoPlay();
   notify_post(signals::kPlayerStarted);
   hook(hooks);
 }
 
-void installOther() {
-  observe(kOtherObservers);
+[[gnu::always_inline]] inline void installOther() {
+  observe(CFNotificationCenterGetDarwinNotifyCenter(), kOtherObservers);
   hookMediaCommand<apps::PlayCommand>();
 }
 
-bool processIs(NSString bundleIdentifier) {
-  return NSBundle::mainBundle().bundleIdentifier().isEqualToString(bundleIdentifier);
-}
+// Asks for the process's bundle identifier, afresh for each comparison. Every app on the phone
+// passes here, so the class and the selectors are looked up once for all.
+class ProcessQuestion {
+ public:
+  [[gnu::always_inline]] bool is(NSString identifier) const {
+    const auto bundle = messenger_.send<NSBundle>(bundleClass_, mainBundle_);
+    const auto own = messenger_.send<NSString>(bundle, bundleIdentifier_);
+    return messenger_.send<bool>(own, isEqualToString_, identifier);
+  }
 
-void installSet() {
-  if (processIs("com.apple.springboard"_ns))
-    installSpringBoard();
-  else if (processIs("com.spotify.client"_ns))
-    installPlayer(kSpotifyHooks);
-  else if (processIs("com.apple.podcasts"_ns))
-    installPlayer(kPodcastsHooks);
-  else if (processIs("com.garmin.connect.mobile"_ns))
-    hook(kGarminHooks);
-  else
-    installOther();
+ private:
+  ClassObject bundleClass_ = classNamed<"NSBundle">();
+  SEL mainBundle_ = sel_registerName("mainBundle");
+  SEL bundleIdentifier_ = sel_registerName("bundleIdentifier");
+  SEL isEqualToString_ = sel_registerName("isEqualToString:");
+  Messenger messenger_;
+};
+
+[[gnu::always_inline]] inline void installSet() {
+  const ProcessQuestion process;
+  if (process.is("com.apple.springboard"_ns)) [[unlikely]]
+    return installSpringBoard();
+  if (process.is("com.spotify.client"_ns)) [[unlikely]]
+    return installPlayer(kSpotifyHooks);
+  if (process.is("com.apple.podcasts"_ns)) [[unlikely]]
+    return installPlayer(kPodcastsHooks);
+  if (process.is("com.garmin.connect.mobile"_ns)) [[unlikely]]
+    return hook(kGarminHooks);
+  installOther();
 }
 
 }  // namespace

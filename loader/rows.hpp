@@ -35,27 +35,17 @@ struct HookGroup {
   VersionBand versions;
 };
 
-// A constant text, made when it is asked for: a table cannot hold its address at compile time.
-using Text = platform::NSString (*)();
-
 // One method that is replaced if a file is there.
 struct AddOnRow {
-  Text path;
+  platform::ConstantText path;
   const char* className;
   MethodRow row;
 };
 
-// One notification that is observed, on the Darwin or on the local center.
+// One notification that is observed.
 struct ObserverRow {
-  Text name;
+  platform::ConstantText name;
   CFNotificationCallback callback;
-  bool isDarwin;
 };
-consteval ObserverRow darwin(Text name, CFNotificationCallback callback) {
-  return {name, callback, true};
-}
-consteval ObserverRow local(Text name, CFNotificationCallback callback) {
-  return {name, callback, false};
-}
 
 }  // namespace corvalen::loader

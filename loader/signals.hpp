@@ -5,26 +5,25 @@
 
 namespace corvalen::signals {
 
-using namespace platform::literals;
-using platform::NSString;
+using platform::ConstantText;
+using platform::kConstantText;
 
 // Posted after every change of the settings file. SpringBoard reloads its settings.
-inline NSString settingsChanged() { return "bfaK8ayWXeXMQum"_ns; }
+inline constexpr ConstantText settingsChanged = kConstantText<"bfaK8ayWXeXMQum">;
 // Posted by Spotify and Podcasts while the library loads. SpringBoard answers startPlaying.
-inline NSString playerStarted() { return "QjnUR4g9fc9hLq"_ns; }
+inline constexpr ConstantText playerStarted = kConstantText<"QjnUR4g9fc9hLq">;
 // Posted by SpringBoard. The player that waits for it begins to play.
-inline NSString startPlaying() { return "GYbIKwUwyBsCan1l"_ns; }
+inline constexpr ConstantText startPlaying = kConstantText<"GYbIKwUwyBsCan1l">;
 // Posted by any app that was asked to play. SpringBoard launches the preferred player.
-inline NSString launchPlayer() { return "VNutj2BhJMTGTwVk"_ns; }
+inline constexpr ConstantText launchPlayer = kConstantText<"VNutj2BhJMTGTwVk">;
 // Posted by Garmin Connect. SpringBoard sends a toggle command.
-inline NSString togglePlayback() { return "FejJ91yPhXo8E"_ns; }
+inline constexpr ConstantText togglePlayback = kConstantText<"FejJ91yPhXo8E">;
 // Posted by SpringBoard: there is, or is no longer, a now-playing item.
-inline NSString nowPlaying() { return "YHePE3bJB3diJ1T"_ns; }
-inline NSString nothingPlaying() { return "RjZoLhphi82WYz"_ns; }
+inline constexpr ConstantText nowPlaying = kConstantText<"YHePE3bJB3diJ1T">;
+inline constexpr ConstantText nothingPlaying = kConstantText<"RjZoLhphi82WYz">;
 // Local to SpringBoard.
-inline NSString headphoneJackChanged() {
-  return "AVSystemController_HeadphoneJackIsConnectedDidChangeNotification"_ns;
-}
+inline constexpr ConstantText headphoneJackChanged =
+    kConstantText<"AVSystemController_HeadphoneJackIsConnectedDidChangeNotification">;
 
 // The same names for posting. Their results are not looked at: there is nobody to tell.
 inline constexpr const char* kSettingsChanged = "bfaK8ayWXeXMQum";

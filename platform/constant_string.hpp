@@ -21,6 +21,14 @@ template <Literal Text>
 inline constinit ConstantStringLayout constantStringStorage = {
     &__CFConstantStringClassReference, kConstantAsciiString, kText<Text>.text, Text.length};
 
+// A constant string as tables hold it: its address is known when the library is built.
+using ConstantText = const ConstantStringLayout*;
+template <Literal Text>
+inline constexpr ConstantText kConstantText = &constantStringStorage<Text>;
+inline id objectOf(ConstantText text) {
+  return reinterpret_cast<id>(const_cast<ConstantStringLayout*>(text));
+}
+
 // The constant string of that literal (ASCII only). Borrowed, valid for ever.
 template <Literal Text, class View = NSString>
 View constantString() {

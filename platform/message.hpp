@@ -79,6 +79,24 @@ inline R sendNamed(Object receiver, SEL name, A... arguments) {
   return reinterpret_cast<Prototype>(&objc_msgSend)(receiver.raw, name, arguments...);
 }
 
+// Sends several messages in a row where every instruction counts: selectors are registered and the
+// messenger's address is looked up once, and each message is one branch.
+class Messenger {
+ public:
+  [[gnu::always_inline]] Messenger() : address_(&objc_msgSend) {
+    asm("" : "+r"(address_));  // or the compiler would go through the import's stub each time
+  }
+  template <class R, class... A>
+  [[gnu::always_inline]] R send(Object receiver, SEL name, A... arguments) const {
+    using Prototype = detail::PassedAs<R> (*)(id, SEL, detail::PassedAs<A>...);
+    return detail::received<R>(
+        reinterpret_cast<Prototype>(address_)(receiver.raw, name, detail::pass(arguments)...));
+  }
+
+ private:
+  void (*address_)();
+};
+
 // Sends a variadic message. As many arguments as the name has colons belong to the method's
 // prototype, the rest is its variadic part, which 64-bit devices pass on the stack. Lists that a
 // nil ends must be given one.

@@ -4,6 +4,7 @@
 #include <iostream>
 #include <sstream>
 
+#include "sim/guest/bench.hpp"
 #include "sim/guest/guest_library.hpp"
 #include "sim/host/host_library.hpp"
 #include "sim/scenario/runner.hpp"
@@ -77,6 +78,7 @@ void addOptions(CLI::App& command, CommandLine& line) {
       ->check(CLI::IsMember({"text", "json"}));
   command.add_option("--calls", line.calls, "effects only, or every message and function call")
       ->check(CLI::IsMember({"effects", "all"}));
+  command.add_flag("--leaks", line.leaks, "report references that the library lost");
   command.add_option("--image", line.image, "run this device binary in place of the host build");
   command.add_option("--slice", line.slice, "which of the binary's slices")
       ->check(CLI::IsMember({"arm64", "armv7"}));
@@ -95,10 +97,11 @@ int main(int count, char** words) {
   CommandLine line;
   CLI::App* runCommand = app.add_subcommand("run", "play scenarios, each on a fresh device");
   addOptions(*runCommand, line);
-  runCommand->add_flag("--leaks", line.leaks, "report references that the library lost");
   runCommand->add_option("SCENARIO", line.files, "files, or - for standard input")->required();
   CLI::App* shellCommand = app.add_subcommand("shell", "type the same commands one at a time");
   addOptions(*shellCommand, line);
+  CLI::App* benchCommand = app.add_subcommand("bench", "count what a device binary costs");
+  benchCommand->add_option("--image", line.image, "the device binary")->required();
   try {
     app.parse(count, words);
   } catch (const CLI::ParseError& error) {
@@ -107,6 +110,10 @@ int main(int count, char** words) {
   }
   try {
     if (*runCommand) return run(line);
+    if (*benchCommand) {
+      guest::runBench(line.image, std::cout);
+      return 0;
+    }
     return static_cast<int>(runShell(*makeLoader(line), line.options()));
   } catch (const std::exception& error) {
     std::cerr << "corvalen-sim: " << error.what() << '\n';

@@ -47,12 +47,18 @@ class GuestLibrary final : public Library {
       cpu_.onInstruction(image_.textStart(), image_.textEnd(),
                          [this](Address at) { std::cerr << "  " << image_.place(at) << '\n'; });
     breakAt(loader_.debugging_.breakAt);
+    if (loader_.measuring_) measure();
   }
   ~GuestLibrary() override { loader_.living_.erase(this); }
 
   void runInitialisers() override {
+    const Cost before = loader_.cost_;
+    loading_ = true;
     for (const Address code : image_.initialisers())
       call(code, Kind::Void, std::vector<Value>(3, Value::of(Kind::Pointer, 0)));
+    loading_ = false;
+    loader_.loadCost_ = loader_.cost_ - before;
+    loader_.registrationCost_ = loader_.registrationCost_ - before;
   }
 
   Value call(Address code, Kind result, const std::vector<Value>& fixed) override {
@@ -69,6 +75,7 @@ class GuestLibrary final : public Library {
       throw;
     }
     --depth_;
+    if (loader_.measuring_) tally();
     const Value value = fetchResult(slice_, cpu_, result);
     cpu_.setStackPointer(stack);
     return value;
@@ -99,10 +106,38 @@ class GuestLibrary final : public Library {
   void setVersion(double version) { image_.setVersion(version); }
 
  private:
+  void measure() {
+    const auto [stubsStart, stubsEnd] = image_.stubs();
+    cpu_.count(image_.textStart(), image_.textEnd(), stubsStart, stubsEnd);
+    const Address page = slice_ == Slice::arm64 ? 0x4000 : 0x1000;
+    for (const auto& [start, size] : image_.variables())
+      cpu_.watchWrites(start, start + size, page);
+  }
+
+  // Adds what this guest has run since the last time to the loader's count.
+  void tally() {
+    const InstructionCounts& now = cpu_.counts();
+    loader_.cost_.own += now.own - tallied_.own;
+    loader_.cost_.stubs += now.stubs - tallied_.stubs;
+    loader_.cost_.pages = cpu_.writtenPages().size();
+    tallied_ = now;
+  }
+
+  // While loading, the first look at the bundle is where adding methods and classes has ended.
+  void noteCall(const Trap& trap) {
+    ++loader_.cost_.calls;
+    tally();
+    if (!loading_ || trap.name != "objc_getClass" || registered_) return;
+    if (readText(cpu_.integer(0)) != "NSBundle") return;
+    registered_ = true;
+    loader_.registrationCost_ = loader_.cost_;
+  }
+
   // The guest called into the platform.
   void trapped(Address address) {
     if (address == kReturnTrap) return;
     const Trap& trap = traps_.at(address);
+    if (loader_.measuring_) noteCall(trap);
     if (loader_.debugging_.calls)
       std::cerr << "<- " << trap.name << " from " << image_.place(cpu_.linkRegister()) << '\n';
     if (isCLibrary(trap.name) && !trap.code) {
@@ -142,6 +177,9 @@ class GuestLibrary final : public Library {
   LoadedImage image_;
   int depth_ = 0;
   bool reported_ = false;
+  InstructionCounts tallied_;
+  bool loading_ = false;
+  bool registered_ = false;
 };
 
 GuestLibraryLoader::GuestLibraryLoader(const std::filesystem::path& file, Slice slice,

@@ -20,6 +20,18 @@ struct GuestDebugging {
   std::string breakAt{};  // symbol at which registers and a back trace are shown
 };
 
+// What the guests' code has cost since it was last asked for. Counts are exact and repeat.
+struct Cost {
+  std::uint64_t own = 0;    // instructions in the library's own code
+  std::uint64_t stubs = 0;  // and in its import stubs
+  std::uint64_t calls = 0;  // calls into the platform
+  std::size_t pages = 0;    // pages of data written, in the process that ran last
+
+  Cost operator-(const Cost& before) const {
+    return {own - before.own, stubs - before.stubs, calls - before.calls, pages};
+  }
+};
+
 class GuestLibraryLoader final : public LibraryLoader {
  public:
   // Reads a fat or thin device binary. Throws MachOError if it cannot be loaded, and
@@ -30,12 +42,23 @@ class GuestLibraryLoader final : public LibraryLoader {
   std::unique_ptr<Library> load(Process& process) override;
   void setVersion(double version) override;
 
+  // Counts instructions in every process loaded from now on.
+  void measure() { measuring_ = true; }
+  Cost cost() const { return cost_; }
+  // The last load: the whole constructor, and of it what adding methods and classes took.
+  Cost loadCost() const { return loadCost_; }
+  Cost registrationCost() const { return registrationCost_; }
+
  private:
   friend class GuestLibrary;  // one process's copy
   std::shared_ptr<const MachOImage> image_;
   Slice slice_;
   GuestDebugging debugging_;
   double version_ = 0;
+  bool measuring_ = false;
+  Cost cost_;
+  Cost loadCost_;
+  Cost registrationCost_;
   std::set<GuestLibrary*> living_;
 };
 

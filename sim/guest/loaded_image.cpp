@@ -114,6 +114,18 @@ std::pair<Address, Address> LoadedImage::section(const std::string& name) const 
   return {0, 0};
 }
 
+std::pair<Address, Address> LoadedImage::stubs() const {
+  Address start = 0;
+  Address end = 0;
+  for (const Section& section : image_.sections) {
+    if (section.name.find("stub") == std::string::npos) continue;
+    const Address first = kImageBase + section.address;
+    start = start ? std::min(start, first) : first;
+    end = std::max(end, first + section.size);
+  }
+  return {start, end};
+}
+
 std::string LoadedImage::place(Address address) const {
   if (address < kImageBase || address >= kImageBase + image_.size)
     return fmt::format("{:#x}", address);

@@ -29,6 +29,8 @@ class LoadedImage {
 
   // The start and end of a section, {0, 0} if the image has none of that name.
   std::pair<Address, Address> section(const std::string& name) const;
+  // Where the import stubs and their helpers stand.
+  std::pair<Address, Address> stubs() const;
   Address textStart() const { return section("__text").first; }
   Address textEnd() const { return section("__text").second; }
 

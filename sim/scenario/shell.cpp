@@ -76,7 +76,9 @@ Status runShell(LibraryLoader& loader, const RunOptions& options) {
     std::cout.flush();
   }
   if (terminal) std::cout << '\n';
-  return Status::Held;
+  const auto leaks = options.leaks ? session.leaks() : std::vector<std::string>();
+  for (const std::string& leak : leaks) std::cerr << "leak in " << leak << '\n';
+  return leaks.empty() ? Status::Held : Status::Failed;
 }
 
 }  // namespace sim::scenario
