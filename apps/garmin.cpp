@@ -14,8 +14,8 @@ enum WatchCommand : uint32_t { kPlayPause = 0, kNext = 1, kPrevious = 2 };
 
 }  // namespace
 
-void DidReceiveCommand::replacement(id self, SEL name, uint32_t command) {
-  switch (command) {
+void DidReceiveCommand::replacement(id self, SEL name, NSUInteger command) {
+  switch (static_cast<uint32_t>(command)) {
     case kPrevious:
       sendMediaCommand(MediaCommand::previousTrack);
       break;

@@ -270,7 +270,7 @@ void watchCommand(Device& device, long command) {
   if (!process.findClass("GCMMusicController")) return;
   device.callback(process, [&] {
     process.send(&process.shared<Object>("GCMMusicController"),
-                 "didReceiveCommand:", {Value::integer(Kind::UInt32, command)});
+                 "didReceiveCommand:", {Value::integer(Kind::ULong, command)});
   });
 }
 
