@@ -59,8 +59,7 @@ ld64.lld.darwinold-13 -arch armv7 -ios_version_min 7.0 -sdk_version 9.3 -dylib -
 
 for slice in arm64 armv7; do
   python3 "$device/tools/finish_image.py" "$work/$slice.dylib" "$out/$identifier.$slice.dylib" \
-    "$identifier"
-  cp "$work/$slice.dylib" "$out/$identifier.$slice.symbols"
+    "$out/$identifier.$slice.symbols" "$identifier"
 done
 llvm-lipo-19 -create "$out/$identifier.arm64.dylib" "$out/$identifier.armv7.dylib" \
   -output "$out/$identifier.dylib"

@@ -3,7 +3,9 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-mapfile -t sources < <(git ls-files '*.cpp' '*.hpp')
+mapfile -t sources < <(find platform loader springboard apps ui welcome sim tests \
+  -name '*.cpp' -o -name '*.hpp' | sort)
+echo "${#sources[@]} files"
 clang-format-14 --dry-run --Werror "${sources[@]}"
 
 longest=450
