@@ -5,7 +5,7 @@
 #include "platform/hook.hpp"
 
 namespace platform {
-namespace {
+namespace row_cases {
 
 struct Fitting {
   static inline constinit Previous<BOOL(id, SEL, id, BOOL)> previous{};
@@ -36,7 +36,7 @@ static_assert(!CanBeARow<OtherResult, "launch:suspended:">, "slot and replacemen
 static_assert(!CanBeARow<OtherArgument, "launch:suspended:">, "slot and replacement disagree");
 static_assert(!CanBeARow<WithoutSelector, "launch">, "no method implementation");
 
-void takesBlock(id, SEL, BlockPointer, NSInteger) {}
+inline void takesBlock(id, SEL, BlockPointer, NSInteger) {}
 template <auto* Function, Literal Name>
 concept CanBeAdded = requires {
   addedMethod<Function, Name>();
@@ -52,5 +52,5 @@ TEST(Encodings, FollowTheFunctionTypes) {
 
 TEST(HookRows, SlotsAreEmptyUntilTheyAreFilled) { EXPECT_EQ(Fitting::previous, nullptr); }
 
-}  // namespace
+}  // namespace row_cases
 }  // namespace platform
