@@ -96,6 +96,22 @@ TEST_F(StrictWorld, ACrashedProcessLeavesTheOthersAlone) {
   EXPECT_NE(device.springBoard(), nullptr);
 }
 
+// BOOL taken for 32 bits would show here first.
+TEST_F(StrictWorld, AddedMethodsHaveTheTypesThatThePlatformDeclares) {
+  const std::string selector = "alertViewShouldEnableFirstOtherButton:";
+  EXPECT_EQ(crash([&](Process& process) {
+              const char wrong[] = "i@:@";
+              const Address types = process.library().allocate(sizeof wrong);
+              process.library().write(types, wrong, sizeof wrong);
+              process.callFunction(
+                  "class_addMethod",
+                  {Value::of(Kind::Class, process.findClass("SBMediaController")->address),
+                   Value::of(Kind::Selector, process.selector(selector)),
+                   Value::of(Kind::Pointer, 0x1000), Value::of(Kind::CString, types)});
+            }),
+            selector + " is added with other types than the platform declares");
+}
+
 // ---- Hooks
 
 TEST_F(StrictWorld, AHookOnAMissingMethodLeavesTheSlotEmpty) {

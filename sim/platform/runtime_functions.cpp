@@ -11,11 +11,36 @@ Selector registerName(Process& process, std::string name) { return {process.sele
 
 Class* getObjectClass(Process&, Object* object) { return object ? object->isa : nullptr; }
 
+// Methods that the platform declares for whoever implements them: l stands for NSInteger.
+const std::map<std::string, std::string> kDeclared = {
+    {"alertView:clickedButtonAtIndex:", "v@:@l"},
+    {"alertView:willDismissWithButtonIndex:", "v@:@l"},
+    {"alertView:didDismissWithButtonIndex:", "v@:@l"},
+    {"willPresentAlertView:", "v@:@"},
+    {"didPresentAlertView:", "v@:@"},
+    {"alertViewCancel:", "v@:@"},
+    {"alertViewShouldEnableFirstOtherButton:", "B@:@"},
+};
+
+// Types that differ from the platform's would be read from registers that nobody has set.
+void checkTypes(const std::string& selector, const Signature& given, unsigned pointerSize) {
+  const auto declared = kDeclared.find(selector);
+  if (declared == kDeclared.end()) return;
+  std::string encoding = declared->second;
+  for (char& code : encoding)
+    if (code == 'l') code = pointerSize == 8 ? 'q' : 'i';
+  const Signature wanted = Signature::fromEncoding(encoding);
+  if (given.result != wanted.result || given.arguments != wanted.arguments)
+    throw Fault(selector + " is added with other types than the platform declares");
+}
+
 bool addMethod(Process& process, Class* cls, Selector name, Pointer code, std::string types) {
   const std::string& selector = process.selectorName(name.address);
   if (!cls || cls->own(selector)) return false;
   if (code.address == 0) throw Fault("class_addMethod of no implementation");
-  cls->methods[selector] = {selector, Signature::fromEncoding(types), {nullptr, code.address}};
+  const Signature signature = Signature::fromEncoding(types);
+  checkTypes(selector, signature, process.library().pointerSize());
+  cls->methods[selector] = {selector, signature, {nullptr, code.address}};
   return true;
 }
 
