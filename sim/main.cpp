@@ -4,6 +4,7 @@
 #include <iostream>
 #include <sstream>
 
+#include "sim/explore/explorer.hpp"
 #include "sim/guest/bench.hpp"
 #include "sim/guest/guest_library.hpp"
 #include "sim/host/host_library.hpp"
@@ -23,6 +24,7 @@ struct CommandLine {
   std::string slice = "arm64";
   guest::GuestDebugging debugging;
   std::vector<std::string> files;
+  explore::ExploreOptions exploring;
 
   RunOptions options() const {
     return {format == "json" ? Format::Json : Format::Text, calls == "all", leaks};
@@ -34,15 +36,29 @@ std::filesystem::path hostLibrary() {
   return std::filesystem::read_symlink("/proc/self/exe").parent_path() / "proCorvalen.so";
 }
 
-// The host build, or the device binary that was asked for.
-std::unique_ptr<LibraryLoader> makeLoader(const CommandLine& line) {
-  if (!line.image.empty()) {
-    const auto slice = line.slice == "arm64" ? guest::Slice::arm64 : guest::Slice::armv7;
-    return std::make_unique<guest::GuestLibraryLoader>(line.image, slice, line.debugging);
-  }
+std::unique_ptr<LibraryLoader> makeHostLoader() {
   const auto file = hostLibrary();
   if (!std::filesystem::exists(file)) throw std::runtime_error("cannot find " + file.string());
   return std::make_unique<HostLibraryLoader>(file);
+}
+
+// The host build, or the device binary that was asked for.
+std::unique_ptr<LibraryLoader> makeLoader(const CommandLine& line) {
+  if (line.image.empty()) return makeHostLoader();
+  const auto slice = line.slice == "arm64" ? guest::Slice::arm64 : guest::Slice::armv7;
+  return std::make_unique<guest::GuestLibraryLoader>(line.image, slice, line.debugging);
+}
+
+// The host build, and with a device binary both of its slices.
+std::vector<explore::Build> makeBuilds(const std::string& image) {
+  std::vector<explore::Build> builds = {{"host", makeHostLoader}};
+  if (image.empty()) return builds;
+  for (const guest::Slice slice : {guest::Slice::arm64, guest::Slice::armv7})
+    builds.push_back({slice == guest::Slice::arm64 ? "arm64" : "armv7", [image, slice] {
+                        return std::make_unique<guest::GuestLibraryLoader>(image, slice);
+                      }});
+  for (const auto& build : builds) build.make();  // what cannot be loaded is said at once
+  return builds;
 }
 
 std::optional<std::string> readScenario(const std::string& file) {
@@ -71,6 +87,17 @@ int run(const CommandLine& line) {
     worst = std::max(worst, static_cast<int>(status));
   }
   return worst;
+}
+
+void addExploreOptions(CLI::App& command, CommandLine& line) {
+  command.add_option("--seed", line.exploring.seed, "of the first scenario; the next count up");
+  command.add_option("--count", line.exploring.count, "how many scenarios")
+      ->check(CLI::PositiveNumber);
+  command.add_option("--jobs", line.exploring.jobs, "how many at a time")
+      ->check(CLI::Range(1, 256));
+  command.add_option("--minutes", line.exploring.minutes, "stop after that long")
+      ->check(CLI::PositiveNumber);
+  command.add_option("--image", line.image, "compare this device binary's slices too");
 }
 
 void addOptions(CLI::App& command, CommandLine& line) {
@@ -102,6 +129,9 @@ int main(int count, char** words) {
   addOptions(*shellCommand, line);
   CLI::App* benchCommand = app.add_subcommand("bench", "count what a device binary costs");
   benchCommand->add_option("--image", line.image, "the device binary")->required();
+  CLI::App* exploreCommand =
+      app.add_subcommand("explore", "search for scenarios that break what must always hold");
+  addExploreOptions(*exploreCommand, line);
   try {
     app.parse(count, words);
   } catch (const CLI::ParseError& error) {
@@ -110,6 +140,8 @@ int main(int count, char** words) {
   }
   try {
     if (*runCommand) return run(line);
+    if (*exploreCommand)
+      return explore::explore(makeBuilds(line.image), line.exploring, std::cout, std::cerr) ? 1 : 0;
     if (*benchCommand) {
       guest::runBench(line.image, std::cout);
       return 0;

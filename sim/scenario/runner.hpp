@@ -22,6 +22,12 @@ class Session final : public Trace {
   bool holds(const Expectation& expectation);
   // The lines since the last command, as they were printed.
   std::vector<std::string> seen() const;
+  struct Effect {
+    std::string process;
+    std::string call;
+  };
+  const std::vector<Effect>& effects() const { return effects_; }  // since the last command
+  std::optional<bool> answer() const { return answer_; }           // of the last command
   // References of the library that nothing reaches any more, as "PROCESS: WHAT".
   std::vector<std::string> leaks();
 
@@ -34,10 +40,6 @@ class Session final : public Trace {
   bool wantsAllCalls() const override { return allCalls_; }
 
  private:
-  struct Effect {
-    std::string process;
-    std::string call;
-  };
   std::size_t count(const Expectation& expectation) const;
 
   Output& output_;

@@ -36,6 +36,15 @@ plist_t toNode(const SettingValue& value) {
   return plist_new_uint(static_cast<std::uint64_t>(std::get<std::int64_t>(value)));
 }
 
+std::string toXml(plist_t node) {
+  char* xml = nullptr;
+  std::uint32_t length = 0;
+  plist_to_xml(node, &xml, &length);
+  const std::string text(xml ? xml : "", length);
+  std::free(xml);
+  return text;
+}
+
 }  // namespace
 
 void setSetting(Device& device, const std::string& key, const SettingValue& value) {
@@ -49,11 +58,7 @@ void setSetting(Device& device, const std::string& key, const SettingValue& valu
     plist_dict_remove_item(root.get(), key.c_str());
   else
     plist_dict_set_item(root.get(), key.c_str(), toNode(value));
-  char* xml = nullptr;
-  std::uint32_t length = 0;
-  plist_to_xml(root.get(), &xml, &length);
-  writeSettings(device, std::string(xml, length));
-  std::free(xml);
+  writeSettings(device, toXml(root.get()));
 }
 
 void writeSettings(Device& device, const std::string& bytes) {
@@ -62,5 +67,23 @@ void writeSettings(Device& device, const std::string& bytes) {
 }
 
 void removeSettings(Device& device) { std::filesystem::remove(device.hostPath(kPath)); }
+
+std::optional<std::map<std::string, std::string>> readSettings(const Device& device) {
+  const Node root = readDictionary(device.hostPath(kPath));
+  if (!root) return std::nullopt;
+  std::map<std::string, std::string> settings;
+  plist_dict_iter iterator = nullptr;
+  plist_dict_new_iter(root.get(), &iterator);
+  for (;;) {
+    char* key = nullptr;
+    plist_t value = nullptr;
+    plist_dict_next_item(root.get(), iterator, &key, &value);
+    if (!value) break;
+    if (key) settings[key] = toXml(value);
+    std::free(key);
+  }
+  std::free(iterator);
+  return settings;
+}
 
 }  // namespace sim::scenario

@@ -1,5 +1,7 @@
 // What the settings pane does to the settings file, announcing nothing.
 #pragma once
+#include <map>
+#include <optional>
 #include <string>
 #include <variant>
 
@@ -18,5 +20,8 @@ void setSetting(Device& device, const std::string& key, const SettingValue& valu
 void writeSettings(Device& device, const std::string& bytes);
 
 void removeSettings(Device& device);
+
+// What the file holds, each value as a property list of its own; nothing if it holds no dictionary.
+std::optional<std::map<std::string, std::string>> readSettings(const Device& device);
 
 }  // namespace sim::scenario

@@ -1,0 +1,202 @@
+#include "sim/explore/draw.hpp"
+
+#include <fmt/format.h>
+
+#include "sim/core/class_definition.hpp"
+#include "sim/explore/names.hpp"
+
+namespace sim::explore {
+
+namespace {
+
+using Strings = std::vector<std::string>;
+
+std::string yesNo(Random& random) { return random.chance(50) ? "yes" : "no"; }
+
+std::string in(const std::string& text) { return "\"" + text + "\""; }
+
+// Most often the player that is also set as the preferred one.
+const std::string& anApp(Random& random) {
+  return random.chance(40) ? random.of(kPlayers) : random.of(kApps);
+}
+
+std::string setting(Random& random) {
+  static const Strings switches = {"yes",  "yes",     "yes", "no",   "1",      "0",
+                                   "-1",   "\"YES\"", "\"0\"", "\" yes\"", "\"\"",   "absent",
+                                   "9223372036854775807", "\"true\"", "\"n\""};
+  const std::size_t kind = random.below(20);
+  if (kind < 11) return "prefs " + random.of(kSwitches) + " " + random.of(switches);
+  if (kind < 17) {
+    static const Strings odd = {"\"\"", "5", "yes", "absent", "\"com.example.gone\"", "\"\\n\""};
+    const std::string value = random.chance(70) ? in(anApp(random)) : random.of(odd);
+    return "prefs " + random.of(kTexts) + " " + value;
+  }
+  static const Strings marks = {"yes", "no", "absent", "\"\"", "0"};
+  return "prefs " + random.of(kMarkers) + " " + random.of(marks);
+}
+
+std::string settingsFile(Random& random) {
+  static const Strings plain = {"prefs-remove", "prefs-readonly yes", "prefs-readonly no",
+                                "prefs-readonly no"};
+  return random.chance(50) ? random.of(plain) : "prefs-file " + drawSettingsFile(random);
+}
+
+std::string track(Random& random) {
+  if (random.chance(50)) return "track none";
+  return "track " + anApp(random) + (random.chance(50) ? " playing" : " paused");
+}
+
+// Foundation is always there.
+std::string missingClass(Random& random) {
+  static const Strings all = [] {
+    Strings names;
+    for (const auto& definition : classDefinitions())
+      if (!definition.name().starts_with('_') && !definition.name().starts_with("NS"))
+        names.push_back(definition.name());
+    return names;
+  }();
+  return "no-class " + random.of(all);
+}
+
+std::string network(Random& random) {
+  static const Strings flags = {"0x2", "0x0", "0x6", "0xe", "0x1e", "0x26", "0x36", "0x40036"};
+  return "network " + (random.chance(15) ? "unavailable" : random.of(flags));
+}
+
+std::string player(Random& random) {
+  static const Strings after = {"never", "after 1", "after 2", "after 3", "after 99"};
+  return "player " + random.of(kPlayers) + " " + random.of(after);
+}
+
+std::string widget(Random& random) {
+  static const Strings all = {"Acapella", "Acapella2", "MiniPlayer", "Auxo com.apple.Music no-cell",
+                              "Auxo com.apple.Music cell", "Auxo com.pandora no-cell"};
+  return "widget " + random.of(all);
+}
+
+std::string titleView(Random& random) {
+  const std::string view = fmt::format("v{}", random.below(3));
+  const std::size_t kind = random.below(5);
+  if (kind < 2) return "title-view new " + view;
+  if (kind < 3) return "title-view free " + view;
+  return "title-view show " + view + " \"Title\"";
+}
+
+std::string advance(Random& random) {
+  static const Strings spans = {"0.36", "0.5", "1", "1", "1", "2", "5", "26", "41", "120"};
+  return "advance " + random.of(spans);
+}
+
+std::string press(Random& random) { return fmt::format("press {}", random.below(3)); }
+
+std::string remote(Random& random) {
+  static const Strings numbers = {"0", "0", "2", "2", "1", "3", "4", "5", "4294967295"};
+  return "remote " + random.of(numbers) + (random.chance(40) ? " in " + anApp(random) : "");
+}
+
+std::string watch(Random& random) {
+  static const Strings numbers = {"0", "0", "1", "2", "3", "4294967295"};
+  return "watch " + random.of(numbers);
+}
+
+std::string tapTransport(Random& random) {
+  static const Strings types = {"3", "3", "4", "4", "5", "0", "2147483647"};
+  return "tap-transport " + random.of(types);
+}
+
+// ---- What may be drawn, with its weight
+
+struct Row {
+  std::size_t weight;
+  std::string (*draw)(Random&);
+};
+
+
+constexpr Row kRows[] = {
+    {12, setting},
+    {2, settingsFile},
+    {8, [](Random&) -> std::string { return "announce"; }},
+    {4, [](Random&) -> std::string { return "boot"; }},
+    {14, advance},
+    {6, [](Random& r) { return "locked " + yesNo(r); }},
+    {2, [](Random& r) -> std::string { return r.chance(50) ? "screen on" : "screen off"; }},
+    {2, [](Random& r) { return "call " + yesNo(r); }},
+    {2, [](Random& r) { return "version " + r.of(kVersions); }},
+    {3, [](Random& r) { return fmt::format("app {} \"Name {}\"", r.of(kApps), r.below(9)); }},
+    {1, [](Random& r) { return "unlist " + r.of(kApps); }},
+    {1, missingClass},
+    {2, [](Random& r) { return "addon " + r.of(kAddOns); }},
+    {3, [](Random& r) { return "front " + (r.chance(40) ? "none" : anApp(r)); }},
+    {2, [](Random& r) { return "running " + anApp(r) + " " + yesNo(r); }},
+    {5, track},
+    {2, player},
+    {2, [](Random& r) { return fmt::format("account a{}", r.below(4)); }},
+    {1, [](Random& r) -> std::string {
+       return r.chance(60) ? "accounts granted" : "accounts refused";
+     }},
+    {2, network},
+    {1, [](Random& r) -> std::string {
+       return r.chance(50) ? "can-open tweetbot:" : "can-open twitter:";
+     }},
+    {6, [](Random& r) { return "start " + anApp(r); }},
+    {5, [](Random& r) { return "end " + anApp(r); }},
+    {5, [](Random& r) {
+       return "open " + anApp(r) + (r.chance(60) ? " foreground" : " suspended");
+     }},
+    {14, tapTransport},
+    {4, [](Random&) -> std::string { return "tap-title"; }},
+    {6, [](Random& r) { return "tap-icon " + anApp(r); }},
+    {10, remote},
+    {2, [](Random&) -> std::string { return "new-controller"; }},
+    {3, watch},
+    {6, [](Random& r) -> std::string { return r.chance(70) ? "headphones in" : "headphones out"; }},
+    {2, [](Random& r) -> std::string { return r.chance(50) ? "now-playing yes" : "now-playing nil"; }},
+    {4, [](Random& r) { return "process-launched " + anApp(r); }},
+    {4, [](Random& r) { return "quit-card " + anApp(r); }},
+    {10, [](Random&) -> std::string { return "unlock"; }},
+    {3, [](Random& r) { return "passcode " + yesNo(r) + " " + yesNo(r) + " " + yesNo(r); }},
+    {1, [](Random&) -> std::string { return "display-off"; }},
+    {1, [](Random&) -> std::string { return "drag-lock-screen"; }},
+    {8, titleView},
+    {6, widget},
+    {10, press},
+    {4, [](Random& r) { return "post " + in(r.of(kSignals)); }},
+};
+
+}  // namespace
+
+std::vector<std::string> drawBeginning(Random& random) {
+  Strings lines;
+  for (const std::string& app : kApps)
+    if (app != "com.apple.Music" && random.chance(90))
+      lines.push_back("app " + app + " " + in("App " + app));
+  // Mostly a version that the library acts on, and one band as often as another.
+  lines.push_back("version " + random.of(kVersions));
+  for (const std::string& addOn : kAddOns)
+    if (random.chance(25)) lines.push_back("addon " + addOn);
+  if (random.chance(85)) {
+    lines.emplace_back("prefs iea9AQXrEmhSZ4u yes");
+    lines.push_back("prefs 2I8UQMOAwU5nnNZt " + in(anApp(random)));
+    for (const std::string& key : kSwitches)
+      if (random.chance(50)) lines.push_back("prefs " + key + " yes");
+    if (random.chance(50)) lines.push_back("prefs RjNkaiHs98230Xx " + in(anApp(random)));
+  }
+  lines.emplace_back("boot");
+  return lines;
+}
+
+std::string drawCommand(Random& random) {
+  static const std::size_t total = [] {
+    std::size_t sum = 0;
+    for (const Row& row : kRows) sum += row.weight;
+    return sum;
+  }();
+  std::size_t at = random.below(total);
+  for (const Row& row : kRows) {
+    if (at < row.weight) return row.draw(random);
+    at -= row.weight;
+  }
+  return {};
+}
+
+}  // namespace sim::explore

@@ -1,0 +1,94 @@
+// Settings files of every kind that a property list can be.
+#include <fmt/format.h>
+#include <plist/plist.h>
+
+#include <cstdlib>
+#include <memory>
+
+#include "sim/explore/draw.hpp"
+#include "sim/explore/names.hpp"
+
+namespace sim::explore {
+
+namespace {
+
+struct FreeNode {
+  void operator()(void* node) const { plist_free(node); }
+};
+
+plist_t drawText(Random& random) {
+  if (random.chance(50)) return plist_new_string(random.of(kApps).c_str());
+  static const std::vector<std::string> odd = {"", "YES", "0", " \n", "com.example.gone",
+                                               "caf\u00e9", std::string(2000, 'x')};
+  return plist_new_string(random.of(odd).c_str());
+}
+
+// A value of any type; containers nest a few levels.
+plist_t drawValue(Random& random, unsigned depth) {
+  switch (random.below(depth < 4 ? 8 : 6)) {
+    case 0:
+      return plist_new_bool(random.chance(70));
+    case 1:
+      return plist_new_uint(random.below(3));
+    case 2:
+      return plist_new_real(static_cast<double>(random.below(5)) / 2);
+    case 3:
+      return drawText(random);
+    case 4:
+      return plist_new_data("\x01\x02\x03", random.below(4));
+    case 5:
+      return plist_new_date(static_cast<std::int32_t>(random.below(1000000)), 0);
+    case 6: {
+      plist_t array = plist_new_array();
+      for (std::size_t i = random.below(4); i > 0; --i)
+        plist_array_append_item(array, drawValue(random, depth + 1));
+      return array;
+    }
+    default: {
+      plist_t dictionary = plist_new_dict();
+      for (std::size_t i = random.below(4); i > 0; --i)
+        plist_dict_set_item(dictionary, fmt::format("k{}", i).c_str(),
+                            drawValue(random, depth + 1));
+      return dictionary;
+    }
+  }
+}
+
+plist_t drawRoot(Random& random) {
+  if (random.chance(5)) return drawValue(random, 0);
+  plist_t root = plist_new_dict();
+  for (const auto* keys : {&kSwitches, &kTexts, &kMarkers})
+    for (const std::string& key : *keys) {
+      if (random.chance(40)) continue;
+      // Half of them as they should be, so that something still happens.
+      plist_t value = nullptr;
+      if (random.chance(50))
+        value = drawValue(random, 0);
+      else
+        value = keys == &kTexts ? plist_new_string(random.of(kPlayers).c_str()) : plist_new_bool(1);
+      plist_dict_set_item(root, key.c_str(), value);
+    }
+  if (random.chance(30)) plist_dict_set_item(root, "other", drawValue(random, 0));
+  return root;
+}
+
+}  // namespace
+
+std::string drawSettingsFile(Random& random) {
+  const std::unique_ptr<void, FreeNode> root(drawRoot(random));
+  char* bytes = nullptr;
+  std::uint32_t length = 0;
+  if (random.chance(50))
+    plist_to_xml(root.get(), &bytes, &length);
+  else
+    plist_to_bin(root.get(), &bytes, &length);
+  std::string file(bytes ? bytes : "", length);
+  std::free(bytes);
+  if (random.chance(15)) file.resize(random.below(file.size() + 1));
+  std::string digits = "hex";
+  if (!file.empty()) digits += ' ';
+  for (const char byte : file) digits += fmt::format("{:02x}", static_cast<unsigned char>(byte));
+  return digits;
+}
+
+}  // namespace sim::explore

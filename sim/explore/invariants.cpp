@@ -1,0 +1,207 @@
+#include "sim/explore/invariants.hpp"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <set>
+
+#include "sim/explore/names.hpp"
+#include "sim/scenario/settings_file.hpp"
+#include "sim/scenario/words.hpp"
+
+namespace sim::explore {
+
+namespace {
+
+const std::string kCommandFunction = "MRMediaRemoteSendCommand";
+
+bool wasAny(const std::vector<std::string>& words, std::initializer_list<const char*> names) {
+  return std::ranges::find(names, words[0]) != names.end();
+}
+
+}  // namespace
+
+std::size_t Invariants::count(const std::string& call, const std::string& process) const {
+  return static_cast<std::size_t>(std::ranges::count_if(session_.effects(), [&](const auto& effect) {
+    return (process.empty() || effect.process == process) && scenario::matches(call, effect.call);
+  }));
+}
+
+std::optional<Violation> Invariants::check(const std::string& command) {
+  static constexpr Check kChecks[] = {
+      &Invariants::noCrash,           &Invariants::noLeak,         &Invariants::fewTimers,
+      &Invariants::knownPosts,        &Invariants::knownCommandLines, &Invariants::onlyListedApps,
+      &Invariants::passedOnOnce,      &Invariants::answered,       &Invariants::oneGreeting,
+      &Invariants::settingsKept,
+  };
+  Words words;
+  for (const auto& word : scenario::splitWords(command)) words.push_back(word.text);
+  for (const Check check : kChecks)
+    if (auto violation = (this->*check)(words)) return violation;
+  return std::nullopt;
+}
+
+// ---- The process and its memory
+
+std::optional<Violation> Invariants::noCrash(const Words&) {
+  for (const auto& effect : session_.effects())
+    if (effect.call.starts_with("crash: "))
+      return Violation{"no process crashes", effect.process + " " + effect.call,
+                       "expect-no crash: *"};
+  return std::nullopt;
+}
+
+std::optional<Violation> Invariants::noLeak(const Words&) {
+  const auto leaks = session_.leaks();
+  if (leaks.empty()) return std::nullopt;
+  return Violation{"no reference is lost", leaks.front(), {}};
+}
+
+// SpringBoard has one watcher; a player one poll timer, and Spotify one more that saves its state.
+std::optional<Violation> Invariants::fewTimers(const Words&) {
+  for (const Process* process : session_.device().processes()) {
+    std::size_t most = 0;
+    if (process->isSpringBoard() || process->identifier == kPodcasts) most = 1;
+    if (process->identifier == kSpotify) most = 2;
+    if (process->timers.size() > most)
+      return Violation{"timers do not pile up",
+                       fmt::format("{} has {} timers", process->identifier,
+                                   process->timers.size()),
+                       {}};
+  }
+  return std::nullopt;
+}
+
+// ---- What leaves the process
+
+std::optional<Violation> Invariants::knownPosts(const Words&) {
+  static const std::map<std::string, std::set<std::string>> known = {
+      {kSpringBoard,
+       {"bfaK8ayWXeXMQum", "GYbIKwUwyBsCan1l", "YHePE3bJB3diJ1T", "RjZoLhphi82WYz",
+        "PV2qdgEyDYK8gUci"}},
+      {kSpotify, {"QjnUR4g9fc9hLq"}},
+      {kPodcasts, {"QjnUR4g9fc9hLq"}},
+      {kGarmin, {"FejJ91yPhXo8E"}},
+  };
+  static const std::set<std::string> others = {"VNutj2BhJMTGTwVk"};
+  const std::string start = "notify_post(\"";
+  for (const auto& effect : session_.effects()) {
+    if (!effect.call.starts_with(start)) continue;
+    const auto name = effect.call.substr(start.size(), effect.call.size() - start.size() - 2);
+    const auto found = known.find(effect.process);
+    if (!(found == known.end() ? others : found->second).contains(name))
+      return Violation{"only known names are posted", effect.process + " " + effect.call,
+                       "expect-no " + effect.call};
+  }
+  return std::nullopt;
+}
+
+std::optional<Violation> Invariants::knownCommandLines(const Words&) {
+  static const std::set<std::string> known = {
+      R"(system("killall -9 BTAvrcp; killall -9 BTLEServer; killall -9 iapd;"))",
+      R"(system("killall -9 Music"))"};
+  for (const auto& effect : session_.effects())
+    if (effect.call.starts_with("system(") &&
+        (!known.contains(effect.call) || effect.process != kSpringBoard))
+      return Violation{"only known command lines are run", effect.process + " " + effect.call,
+                       "expect-no " + effect.call};
+  return std::nullopt;
+}
+
+// Whatever the library launches of its own accord, AppList lists.
+std::optional<Violation> Invariants::onlyListedApps(const Words& words) {
+  if (wasAny(words, {"open", "tap-icon"})) return std::nullopt;
+  const std::string start = "-[SpringBoard launchApplicationWithIdentifier:\"";
+  DeviceState& state = session_.device().state;
+  for (const auto& effect : session_.effects()) {
+    if (!effect.call.starts_with(start)) continue;
+    const auto id = effect.call.substr(start.size(), effect.call.find('"', start.size()) - start.size());
+    const App* app = state.app(id);
+    if (!app || !app->listed || state.missingClasses.contains("ALApplicationList"))
+      return Violation{"only listed apps are launched", effect.call, "expect-no " + effect.call};
+  }
+  return std::nullopt;
+}
+
+// ---- Passing on
+
+std::optional<Violation> Invariants::passedOnOnce(const Words& words) {
+  Device& device = session_.device();
+  const auto stock = stockCall(words, device.state.version);
+  if (!stock) return std::nullopt;
+  Process* process = device.process(stock->process);
+  if (!process || !process->findClass(stock->cls)) return std::nullopt;
+  const std::size_t passed = count(stock->call, stock->process);
+  const std::size_t instead =
+      count("-[SpringBoard launchApplicationWithIdentifier:*", kSpringBoard) +
+      count("-[SBLockScreenViewController setPasscodeLockVisible:* withUnlockSource:*") +
+      count("notify_post(*", kGarmin) + count(kCommandFunction + "(*", kGarmin);
+  if (passed > 1 || (passed == 0 && stock->passedOn == PassedOn::Once))
+    return Violation{"what is passed on reaches the platform once",
+                     fmt::format("{} came {} times", stock->call, passed),
+                     "expect-count 1 " + stock->call};
+  if (stock->passedOn == PassedOn::OnceOrNever && passed == 1 && instead > 0)
+    return Violation{"what is taken over does not reach the platform", stock->call,
+                     "expect-no " + stock->call};
+  return std::nullopt;
+}
+
+// The platform answers YES to every command that reaches it, the library NO to what it swallows.
+std::optional<Violation> Invariants::answered(const Words& words) {
+  const auto answer = session_.answer();
+  if (!answer) return std::nullopt;
+  if (words[0] == "drag-lock-screen") {
+    if (*answer) return std::nullopt;
+    return Violation{"answers are passed on", "the scroll view's YES became NO",
+                     "expect-result YES"};
+  }
+  const std::string& process = words.size() > 3 ? words[3] : kSpringBoard;
+  const std::size_t passed =
+      count(fmt::format("{}({}, nil)", kCommandFunction, words[1]), process);
+  const std::size_t any = count(kCommandFunction + "(*");
+  const std::size_t expected = *answer ? 1 : 0;
+  if (passed == expected && any == expected) return std::nullopt;
+  return Violation{"a command reaches the platform once or never",
+                   fmt::format("{} was answered {} and reached it {} times", words[1],
+                               *answer ? "YES" : "NO", any),
+                   fmt::format("expect-count {} {}(*", expected, kCommandFunction)};
+}
+
+// ---- Settings
+
+// As long as the file can be written, there is one greeting; whoever takes its marker out of the
+// file gets another.
+std::optional<Violation> Invariants::oneGreeting(const Words& words) {
+  Device& device = session_.device();
+  const std::string marker = "feo63OPBmERAd2000UpdRdCAND";
+  const auto settings = scenario::readSettings(device);
+  if (wasAny(words, {"prefs", "prefs-file", "prefs-remove"}) &&
+      (!settings || !settings->contains(marker)))
+    greeted_ = false;
+  const std::size_t greetings = count(R"(-[UIAlertView show] "" "Thanks for updating*)") +
+                                count(R"(-[UIAlertView show] "<3" *)");
+  if (greetings > (greeted_ ? 0 : 1))
+    return Violation{"the user is greeted once", "another greeting",
+                     "expect-no -[UIAlertView show]*"};
+  if (greetings == 1 && !device.state.settingsReadOnly) greeted_ = true;
+  return std::nullopt;
+}
+
+// What SpringBoard has read stays in the file until somebody else changes it.
+std::optional<Violation> Invariants::settingsKept(const Words& words) {
+  const auto settings = scenario::readSettings(session_.device());
+  if (words[0] == "prefs") announced_.erase(words[1]);
+  if (wasAny(words, {"prefs-file", "prefs-remove"})) announced_.clear();
+  for (const auto& [key, value] : announced_) {
+    const bool there = settings && settings->contains(key);
+    // The markers count by their presence, and their values are the library's to set.
+    const bool marker = std::ranges::find(kMarkers, key) != kMarkers.end();
+    if (there && (marker || settings->at(key) == value)) continue;
+    return Violation{"no announced setting is lost", key + " is gone or another", {}};
+  }
+  if (count("-[NSMutableDictionary initWithContentsOfFile:*", kSpringBoard) > 0)
+    announced_ = settings.value_or(std::map<std::string, std::string>{});
+  return std::nullopt;
+}
+
+}  // namespace sim::explore

@@ -1,0 +1,97 @@
+#include "sim/explore/playback.hpp"
+
+#include <sstream>
+
+#include "sim/explore/draw.hpp"
+#include "sim/platform/device_actions.hpp"
+
+namespace sim::explore {
+
+namespace {
+
+// One session with its trace and its watch.
+class Stage {
+ public:
+  explicit Stage(LibraryLoader& loader)
+      : output_(trace_, scenario::Format::Text), session_(loader, output_, false) {}
+
+  // Throws ActionError if the device is in no state for the command; then nothing has happened.
+  std::optional<Violation> play(const std::string& line) {
+    const auto content = scenario::parseLine(line);
+    const std::string before = trace_.str();
+    try {
+      session_.run(std::get<scenario::Command>(*content));
+    } catch (const ActionError&) {
+      trace_.str(before);  // not even echoed
+      trace_.seekp(0, std::ios::end);
+      throw;
+    }
+    return invariants_.check(line);
+  }
+  std::string trace() const { return trace_.str(); }
+
+ private:
+  std::ostringstream trace_;
+  scenario::Output output_;
+  scenario::Session session_;
+  Invariants invariants_{session_};
+};
+
+}  // namespace
+
+Playback play(LibraryLoader& loader, const Lines& lines) {
+  Stage stage(loader);
+  Playback playback;
+  try {
+    for (const std::string& line : lines) {
+      playback.violation = stage.play(line);
+      if (playback.violation) break;
+      ++playback.line;
+    }
+  } catch (const ActionError&) {
+    playback.violation.reset();
+  }
+  playback.trace = stage.trace();
+  return playback;
+}
+
+Playback drawAndPlay(LibraryLoader& loader, std::uint64_t seed, Lines& lines,
+                     const std::function<void(const Lines&)>& drawn) {
+  constexpr std::size_t kFewest = 10;
+  constexpr std::size_t kMost = 70;
+  Random random(seed);
+  Stage stage(loader);
+  Playback playback;
+  const auto add = [&](const std::string& line) {
+    lines.push_back(line);
+    drawn(lines);
+    try {
+      playback.violation = stage.play(line);
+      if (!playback.violation) ++playback.line;
+    } catch (const ActionError&) {
+      lines.pop_back();
+    }
+    return !playback.violation;
+  };
+  bool going = true;
+  for (const std::string& line : drawBeginning(random)) going = going && add(line);
+  const std::size_t count = kFewest + random.below(kMost - kFewest);
+  for (std::size_t i = 0; going && i < count; ++i) going = add(drawCommand(random));
+  playback.trace = stage.trace();
+  return playback;
+}
+
+Lines split(const std::string& text) {
+  Lines lines;
+  std::istringstream in(text);
+  for (std::string line; std::getline(in, line);) lines.push_back(line);
+  return lines;
+}
+
+std::string joined(const Lines& lines) {
+  std::string text;
+  for (const std::string& line : lines) text += line + "\n";
+  return text;
+}
+
+}  // namespace sim::explore

@@ -1,0 +1,30 @@
+// Plays a list of commands under watch.
+#pragma once
+#include <functional>
+
+#include "sim/explore/invariants.hpp"
+
+namespace sim::explore {
+
+using Lines = std::vector<std::string>;
+
+struct Playback {
+  std::string trace;
+  std::optional<Violation> violation;
+  std::size_t line = 0;  // after which it was found
+};
+
+// Plays the lines on a fresh device, up to the first broken invariant. A command that the device
+// is in no state for ends the playback without one: `lines` is then no valid scenario.
+Playback play(LibraryLoader& loader, const Lines& lines);
+
+// Draws a scenario into `lines` as it plays it: commands that the device is in no state for are
+// left out. `drawn` is told of the lines before the last of them is played.
+Playback drawAndPlay(
+    LibraryLoader& loader, std::uint64_t seed, Lines& lines,
+    const std::function<void(const Lines&)>& drawn = [](const Lines&) {});
+
+Lines split(const std::string& text);
+std::string joined(const Lines& lines);
+
+}  // namespace sim::explore

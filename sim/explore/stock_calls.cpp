@@ -1,0 +1,95 @@
+// Which call of the platform's each command makes, as the trace shows it.
+#include <fmt/format.h>
+
+#include "sim/explore/invariants.hpp"
+
+namespace sim::explore {
+
+namespace {
+
+using Words = std::vector<std::string>;
+
+std::string upper(const std::string& yesNo) { return yesNo == "yes" ? "YES" : "NO"; }
+
+std::optional<StockCall> titleView(const Words& words) {
+  const std::string cls = "MPUMediaControlsTitlesView";
+  if (words[1] == "new") return StockCall{cls, "-[" + cls + " initWithMediaControlsStyle:0]"};
+  if (words[1] == "free") return StockCall{cls, "-[" + cls + " dealloc]"};
+  // The library may show another name, but shows one.
+  return StockCall{cls, "-[" + cls + " updateNowPlayingAppDisplayName:*]"};
+}
+
+std::optional<StockCall> quitCard(double version) {
+  if (version < 900.0)
+    return StockCall{"SBAppSliderController", "-[SBAppSliderController _quitAppAtIndex:*]"};
+  const std::string selector = version < 1240.1 ? "removeDisplayItem:" : "remove:";
+  return StockCall{"SBAppSwitcherModel", "-[SBAppSwitcherModel " + selector + "*]"};
+}
+
+std::optional<StockCall> widget(const Words& words) {
+  const std::string controls = "MPUSystemMediaControlsViewController";
+  if (words[1] == "Acapella") return StockCall{controls, "-[" + controls + " action_OpenApp]", PassedOn::OnceOrNever};
+  if (words[1] == "Acapella2")
+    return StockCall{controls, "-[" + controls + " action_openapp]", PassedOn::OnceOrNever};
+  if (words[1] == "MiniPlayer")
+    return StockCall{"MPMiniPlayerActionsDelegate",
+                     "-[MPMiniPlayerActionsDelegate openNowPlayingApp]", PassedOn::OnceOrNever};
+  return StockCall{
+      "AuxoCollectionView",
+      fmt::format("-[AuxoCollectionView activateApplicationWithDisplayIdentifier:\"{}\" "
+                  "fromCell:{}]",
+                  words[2], words[3] == "cell" ? "<AuxoCell>" : "nil"),
+      PassedOn::OnceOrNever};
+}
+
+std::optional<StockCall> lockScreen(const Words& words) {
+  const std::string cls = "SBLockScreenViewController";
+  if (words[0] == "unlock") return StockCall{cls, "-[" + cls + " finishUIUnlockFromSource:0]"};
+  if (words[0] == "display-off") return StockCall{cls, "-[" + cls + " _handleDisplayTurnedOff]"};
+  return StockCall{
+      cls, fmt::format("-[{} setPasscodeLockVisible:{} animated:{} completion:{}]", cls,
+                       upper(words[1]), upper(words[2]), words[3] == "yes" ? "<block>" : "nil")};
+}
+
+std::optional<StockCall> watch(const Words& words) {
+  const bool taken = words[1] == "0" || words[1] == "1" || words[1] == "2";
+  return StockCall{"GCMMusicController",
+                   "-[GCMMusicController didReceiveCommand:" + words[1] + "]", taken ? PassedOn::OnceOrNever : PassedOn::Once, kGarmin};
+}
+
+}  // namespace
+
+std::optional<StockCall> stockCall(const Words& words, double version) {
+  const std::string& name = words[0];
+  const std::string controls = "MPUSystemMediaControlsViewController";
+  if (name == "tap-transport")
+    return StockCall{controls,
+                     "-[" + controls + " transportControlsView:* tapOnControlType:" + words[1] + "]",
+                     PassedOn::OnceOrNever};
+  if (name == "tap-title")
+    return StockCall{controls, "-[" + controls + " mediaControlsTitlesViewWasTapped:*]", PassedOn::OnceOrNever};
+  if (name == "tap-icon") return StockCall{"SBIconController", "-[SBIconController _launchIcon:*]"};
+  if (name == "open")
+    return StockCall{
+        "SpringBoard",
+        fmt::format("-[SpringBoard launchApplicationWithIdentifier:\"{}\" suspended:{}]", words[1],
+                    words[2] == "suspended" ? "YES" : "NO")};
+  if (name == "now-playing")
+    return StockCall{"SBMediaController",
+                     std::string("-[SBMediaController setNowPlayingInfo:") +
+                         (words[1] == "yes" ? "<NSDictionary>]" : "nil]")};
+  if (name == "process-launched" || name == "start")
+    return StockCall{"SBApplication",
+                     "-[SBApplication(" + words[1] + ") processDidLaunch:nil]"};
+  if (name == "drag-lock-screen")
+    return StockCall{"SBLockScreenScrollView",
+                     "-[SBLockScreenScrollView touchesShouldCancelInContentView:<UIView>]"};
+  if (name == "title-view") return titleView(words);
+  if (name == "quit-card") return quitCard(version);
+  if (name == "widget") return widget(words);
+  if (name == "watch") return watch(words);
+  if (name == "unlock" || name == "display-off" || name == "passcode") return lockScreen(words);
+  return std::nullopt;
+}
+
+}  // namespace sim::explore
