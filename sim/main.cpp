@@ -92,7 +92,7 @@ int run(const CommandLine& line) {
 void addExploreOptions(CLI::App& command, CommandLine& line) {
   command.add_option("--seed", line.exploring.seed, "of the first scenario; the next count up");
   command.add_option("--count", line.exploring.count, "how many scenarios")
-      ->check(CLI::PositiveNumber);
+      ->check(CLI::Range(1, 1000000000));
   command.add_option("--jobs", line.exploring.jobs, "how many at a time")
       ->check(CLI::Range(1, 256));
   command.add_option("--minutes", line.exploring.minutes, "stop after that long")

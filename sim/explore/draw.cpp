@@ -104,11 +104,56 @@ std::string tapTransport(Random& random) {
   return "tap-transport " + random.of(types);
 }
 
+std::string pressPlay(Random& random) {
+  static const Strings all = {"tap-transport 3", "tap-transport 4", "remote 0", "remote 2",
+                              "headphones in", "post \"VNutj2BhJMTGTwVk\"", "tap-title"};
+  return random.of(all);
+}
+
+// ---- Short stories, for what single commands seldom bring about
+
+// Play is asked for while the device is locked, something happens, the user unlocks.
+Strings deferredLaunch(Random& random) {
+  Strings lines = {"locked yes", random.chance(70) ? "track none" : "track com.apple.Music paused",
+                   pressPlay(random)};
+  static const Strings between = {"announce", "advance 1", "no-class ALApplicationList",
+                                  "passcode no no no", "passcode yes yes no", "boot"};
+  const std::size_t kind = random.below(4);
+  if (kind == 0) lines.push_back("unlist " + anApp(random));
+  if (kind == 1) lines.push_back(random.of(between));
+  if (kind == 2) lines.insert(lines.end(), {setting(random), "announce"});
+  lines.emplace_back("unlock");
+  return lines;
+}
+
+// A greeting that is answered, down to the account that follows.
+Strings greeting(Random& random) {
+  Strings lines = {"prefs feo63OPBmERAd2000UpdRdCAND absent", "announce", "unlock"};
+  for (std::size_t i = random.below(4); i > 0; --i)
+    lines.insert(lines.begin(), fmt::format("account a{}", i));
+  lines.push_back(press(random));
+  if (random.chance(50)) lines.emplace_back("announce");
+  lines.push_back(press(random));
+  return lines;
+}
+
+// A player is started hidden, and something becomes of it.
+Strings hiddenStart(Random& random) {
+  Strings lines = {"track none", pressPlay(random), advance(random)};
+  static const Strings then = {"end com.spotify.client", "end com.apple.podcasts",
+                               "front com.spotify.client", "boot", "new-controller",
+                               "tap-icon com.spotify.client", "open com.spotify.client foreground"};
+  lines.push_back(random.of(then));
+  lines.push_back(advance(random));
+  return lines;
+}
+
 // ---- What may be drawn, with its weight
 
 struct Row {
   std::size_t weight;
   std::string (*draw)(Random&);
+  Strings (*story)(Random&) = nullptr;  // in its place
 };
 
 
@@ -161,6 +206,9 @@ constexpr Row kRows[] = {
     {6, widget},
     {10, press},
     {4, [](Random& r) { return "post " + in(r.of(kSignals)); }},
+    {5, nullptr, deferredLaunch},
+    {2, nullptr, greeting},
+    {4, nullptr, hiddenStart},
 };
 
 }  // namespace
@@ -185,7 +233,7 @@ std::vector<std::string> drawBeginning(Random& random) {
   return lines;
 }
 
-std::string drawCommand(Random& random) {
+std::vector<std::string> drawCommands(Random& random) {
   static const std::size_t total = [] {
     std::size_t sum = 0;
     for (const Row& row : kRows) sum += row.weight;
@@ -193,7 +241,7 @@ std::string drawCommand(Random& random) {
   }();
   std::size_t at = random.below(total);
   for (const Row& row : kRows) {
-    if (at < row.weight) return row.draw(random);
+    if (at < row.weight) return row.story ? row.story(random) : Strings{row.draw(random)};
     at -= row.weight;
   }
   return {};

@@ -57,8 +57,8 @@ Playback play(LibraryLoader& loader, const Lines& lines) {
 
 Playback drawAndPlay(LibraryLoader& loader, std::uint64_t seed, Lines& lines,
                      const std::function<void(const Lines&)>& drawn) {
-  constexpr std::size_t kFewest = 10;
-  constexpr std::size_t kMost = 70;
+  constexpr std::size_t kFewest = 20;
+  constexpr std::size_t kMost = 90;
   Random random(seed);
   Stage stage(loader);
   Playback playback;
@@ -74,9 +74,12 @@ Playback drawAndPlay(LibraryLoader& loader, std::uint64_t seed, Lines& lines,
     return !playback.violation;
   };
   bool going = true;
-  for (const std::string& line : drawBeginning(random)) going = going && add(line);
+  const auto addAll = [&](const Lines& some) {
+    for (const std::string& line : some) going = going && add(line);
+  };
+  addAll(drawBeginning(random));
   const std::size_t count = kFewest + random.below(kMost - kFewest);
-  for (std::size_t i = 0; going && i < count; ++i) going = add(drawCommand(random));
+  while (going && lines.size() < count) addAll(drawCommands(random));
   playback.trace = stage.trace();
   return playback;
 }
