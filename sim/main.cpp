@@ -24,7 +24,7 @@ struct CommandLine {
   std::string slice = "arm64";
   guest::GuestDebugging debugging;
   std::vector<std::string> files;
-  explore::ExploreOptions exploring;
+  search::SearchOptions search;
 
   RunOptions options() const {
     return {format == "json" ? Format::Json : Format::Text, calls == "all", leaks};
@@ -89,13 +89,13 @@ int run(const CommandLine& line) {
   return worst;
 }
 
-void addExploreOptions(CLI::App& command, CommandLine& line) {
-  command.add_option("--seed", line.exploring.seed, "of the first scenario; the next count up");
-  command.add_option("--count", line.exploring.count, "how many scenarios")
+void addSearchOptions(CLI::App& command, CommandLine& line) {
+  command.add_option("--seed", line.search.first, "of the first scenario; the next count up");
+  command.add_option("--count", line.search.count, "how many scenarios")
       ->check(CLI::Range(1, 1000000000));
-  command.add_option("--jobs", line.exploring.jobs, "how many at a time")
+  command.add_option("--jobs", line.search.jobs, "how many at a time")
       ->check(CLI::Range(1, 256));
-  command.add_option("--minutes", line.exploring.minutes, "stop after that long")
+  command.add_option("--minutes", line.search.minutes, "stop after that long")
       ->check(CLI::PositiveNumber);
   command.add_option("--image", line.image, "compare this device binary's slices too");
 }
@@ -131,7 +131,7 @@ int main(int count, char** words) {
   benchCommand->add_option("--image", line.image, "the device binary")->required();
   CLI::App* exploreCommand =
       app.add_subcommand("explore", "search for scenarios that break what must always hold");
-  addExploreOptions(*exploreCommand, line);
+  addSearchOptions(*exploreCommand, line);
   try {
     app.parse(count, words);
   } catch (const CLI::ParseError& error) {
@@ -141,7 +141,7 @@ int main(int count, char** words) {
   try {
     if (*runCommand) return run(line);
     if (*exploreCommand)
-      return explore::explore(makeBuilds(line.image), line.exploring, std::cout, std::cerr) ? 1 : 0;
+      return explore::explore(makeBuilds(line.image), line.search, std::cout, std::cerr) ? 1 : 0;
     if (*benchCommand) {
       guest::runBench(line.image, std::cout);
       return 0;

@@ -1,8 +1,10 @@
 // Draws commands of the scenario language at random, sensible or not.
 #pragma once
-#include "sim/explore/random.hpp"
+#include "sim/search/random.hpp"
 
 namespace sim::explore {
+
+using search::Random;
 
 // What every drawn scenario begins with: apps, a version, settings, SpringBoard.
 std::vector<std::string> drawBeginning(Random& random);

@@ -1,25 +1,14 @@
 #include "sim/explore/explorer.hpp"
 
 #include <fmt/format.h>
-#include <poll.h>
 
-#include <chrono>
-#include <cstdlib>
-#include <filesystem>
-#include <list>
-
-#include "sim/explore/child.hpp"
 #include "sim/explore/playback.hpp"
-#include "sim/explore/shrink.hpp"
+#include "sim/search/child.hpp"
+#include "sim/search/shrink.hpp"
 
 namespace sim::explore {
 
 namespace {
-
-using Clock = std::chrono::steady_clock;
-
-constexpr unsigned kLongest = 60;  // seconds for one scenario
-constexpr std::size_t kEnough = 5;  // findings after which a search stops
 
 // The builds as one process has them loaded.
 class Builds {
@@ -56,8 +45,8 @@ Violation died(const std::string& how) {
 
 // In a process of its own, as the scenario may end it.
 std::optional<Violation> judgeIsolated(const std::vector<Build>& builds, const Lines& lines) {
-  const Outcome outcome = isolated([&](const Tell& tell) {
-    expectEndWithin(kLongest);
+  const auto outcome = search::isolated([&](const search::Tell& tell) {
+    search::expectEndWithin(search::kLongestPiece);
     if (const auto violation = Builds(builds).judge(lines)) {
       tell(violation->rule);
       tell(violation->what);
@@ -76,7 +65,7 @@ std::string report(const std::vector<Build>& builds, std::uint64_t seed, const L
     const auto violation = judgeIsolated(builds, shorter);
     return violation && violation->rule == found.rule;
   };
-  const Lines shortest = fails(lines) ? shrunk(lines, fails) : lines;
+  const Lines shortest = fails(lines) ? search::shrunk(lines, fails) : lines;
   const Violation last = judgeIsolated(builds, shortest).value_or(found);
   std::string text = fmt::format("# Broken: {} ({}). Found by exploring from seed {}.\n", last.rule,
                                  last.what, seed);
@@ -85,29 +74,10 @@ std::string report(const std::vector<Build>& builds, std::uint64_t seed, const L
   return text;
 }
 
-// ---- One job: every so many-th seed. Tells "S<seed>" before each scenario, "D<commands>" behind
-// it, and "F<report>" for a finding.
-
-void work(const std::vector<Build>& builds, std::uint64_t seed, std::uint64_t end,
-          std::uint64_t step, const Tell& tell) {
-  Builds loaded(builds);
-  for (; seed < end; seed += step) {
-    expectEndWithin(kLongest);
-    tell("S" + std::to_string(seed));
-    Lines lines;
-    const Playback playback = drawAndPlay(loaded.first(), seed, lines);
-    auto violation = playback.violation;
-    if (!violation) violation = loaded.compare(lines, playback.trace);
-    expectEndWithin(0);
-    if (violation) tell("F" + report(builds, seed, lines, *violation));
-    tell("D" + std::to_string(lines.size()));
-  }
-}
-
 // The scenario of a seed that ended its job: its lines up to the last.
 Lines linesOf(const std::vector<Build>& builds, std::uint64_t seed) {
-  const Outcome outcome = isolated([&](const Tell& tell) {
-    expectEndWithin(kLongest);
+  const auto outcome = search::isolated([&](const search::Tell& tell) {
+    search::expectEndWithin(search::kLongestPiece);
     Builds loaded(builds);
     Lines lines;
     drawAndPlay(loaded.first(), seed, lines, [&](const Lines& drawn) { tell(joined(drawn)); });
@@ -116,132 +86,28 @@ Lines linesOf(const std::vector<Build>& builds, std::uint64_t seed) {
   return outcome.messages.empty() ? Lines{} : split(outcome.messages.back());
 }
 
-// Where all files of a search go, also those of jobs that died.
-class Workspace {
- public:
-  Workspace() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "corvalen-XXXXXX").string();
-    if (!mkdtemp(pattern.data())) throw std::runtime_error("cannot make " + pattern);
-    folder_ = pattern;
-    setenv("TMPDIR", folder_.c_str(), 1);
-  }
-  ~Workspace() {
-    std::error_code ignored;
-    std::filesystem::remove_all(folder_, ignored);
-    setenv("TMPDIR", folder_.parent_path().c_str(), 1);
-  }
-  Workspace(const Workspace&) = delete;
-  Workspace& operator=(const Workspace&) = delete;
-
- private:
-  std::filesystem::path folder_;
-};
-
-// ---- The whole search
-
-class Search {
- public:
-  Search(const std::vector<Build>& builds, const ExploreOptions& options, std::ostream& out,
-         std::ostream& progress)
-      : builds_(builds), options_(options), out_(out), progress_(progress) {}
-
-  std::size_t run() {
-    for (unsigned i = 0; i < options_.jobs; ++i) start(options_.seed + i);
-    while (!jobs_.empty() && findings_ < kEnough && !late()) {
-      std::vector<pollfd> waiting;
-      for (const Job& job : jobs_) waiting.push_back({job.child->descriptor(), POLLIN, 0});
-      poll(waiting.data(), waiting.size(), 1000);
-      std::size_t index = 0;
-      for (auto job = jobs_.begin(); job != jobs_.end(); ++index) {
-        const auto here = job++;
-        if (waiting[index].revents != 0) listen(here);
-      }
-      showProgress(false);
-    }
-    jobs_.clear();
-    showProgress(true);
-    return findings_;
-  }
-
- private:
-  struct Job {
-    std::unique_ptr<Child> child;
-    std::uint64_t seed;
-  };
-
-  std::uint64_t end() const { return options_.seed + options_.count; }
-  double seconds() const {
-    return std::chrono::duration<double>(Clock::now() - started_).count();
-  }
-  bool late() const { return options_.minutes > 0 && seconds() > options_.minutes * 60; }
-
-  void start(std::uint64_t seed) {
-    if (seed >= end()) return;
-    jobs_.push_back({std::make_unique<Child>([this, seed](const Tell& tell) {
-                       work(builds_, seed, end(), options_.jobs, tell);
-                     }),
-                     seed});
-  }
-
-  void listen(std::list<Job>::iterator job) {
-    const auto messages = job->child->messages();
-    for (const std::string& message : messages) {
-      const std::string rest = message.substr(1);
-      if (message[0] == 'S') job->seed = std::stoull(rest);
-      if (message[0] == 'F') found(rest);
-      if (message[0] == 'D') {
-        ++tried_;
-        commands_ += std::stoull(rest);
-      }
-    }
-    if (!messages.empty()) return;
-    const std::string death = job->child->death();
-    const std::uint64_t seed = job->seed;
-    jobs_.erase(job);
-    if (death.empty()) return;
-    found(report(builds_, seed, linesOf(builds_, seed), died(death)));
-    ++tried_;
-    start(seed + options_.jobs);
-  }
-
-  void found(const std::string& scenario) {
-    ++findings_;
-    out_ << scenario << '\n' << std::flush;
-  }
-
-  void showProgress(bool last) {
-    constexpr double kEvery = 5;  // seconds
-    if (!last && seconds() < shown_ + kEvery) return;
-    shown_ = seconds();
-    const double rate = static_cast<double>(tried_) / std::max(shown_, 0.001);
-    std::string line = fmt::format("{} scenarios, {} commands, {} findings, {:.0f} a second",
-                                   tried_, commands_, findings_, rate);
-    if (!last) {
-      double left = rate > 0 ? static_cast<double>(options_.count - tried_) / rate : 0;
-      if (options_.minutes > 0) left = std::min(left, options_.minutes * 60 - shown_);
-      line += fmt::format(", {:.0f} s left", left);
-    }
-    progress_ << line << '\n' << std::flush;
-  }
-
-  const std::vector<Build>& builds_;
-  const ExploreOptions& options_;
-  std::ostream& out_;
-  std::ostream& progress_;
-  std::list<Job> jobs_;
-  std::uint64_t tried_ = 0;
-  std::uint64_t commands_ = 0;
-  std::size_t findings_ = 0;
-  Clock::time_point started_ = Clock::now();
-  double shown_ = 0;
-};
+search::Examined examine(const std::vector<Build>& builds, Builds& loaded, std::uint64_t seed) {
+  Lines lines;
+  const Playback playback = drawAndPlay(loaded.first(), seed, lines);
+  auto violation = playback.violation;
+  if (!violation) violation = loaded.compare(lines, playback.trace);
+  if (!violation) return {std::nullopt, lines.size()};
+  search::expectEndWithin(0);  // shrinking takes its time
+  return {report(builds, seed, lines, *violation), lines.size()};
+}
 
 }  // namespace
 
-std::size_t explore(const std::vector<Build>& builds, const ExploreOptions& options,
+std::size_t explore(const std::vector<Build>& builds, const search::SearchOptions& options,
                     std::ostream& out, std::ostream& progress) {
-  const Workspace workspace;
-  return Search(builds, options, out, progress).run();
+  const auto prepare = [&builds]() -> std::function<search::Examined(std::uint64_t)> {
+    auto loaded = std::make_shared<Builds>(builds);
+    return [&builds, loaded](std::uint64_t seed) { return examine(builds, *loaded, seed); };
+  };
+  const auto ended = [&builds](std::uint64_t seed, const std::string& how) {
+    return report(builds, seed, linesOf(builds, seed), died(how));
+  };
+  return search::run({"scenarios", prepare, ended}, options, out, progress);
 }
 
 }  // namespace sim::explore

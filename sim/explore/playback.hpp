@@ -3,10 +3,11 @@
 #include <functional>
 
 #include "sim/explore/invariants.hpp"
+#include "sim/search/shrink.hpp"
 
 namespace sim::explore {
 
-using Lines = std::vector<std::string>;
+using search::Lines;
 
 struct Playback {
   std::string trace;

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace sim::explore {
+namespace sim::search {
 
 // Sends a message to the parent.
 using Tell = std::function<void(const std::string&)>;
@@ -40,7 +40,9 @@ struct Outcome {
 };
 Outcome isolated(const std::function<void(const Tell&)>& work);
 
-// To be called by a child before each piece of work: one that takes this long hangs.
+// To be called by a child before each piece of work: one that takes this long hangs, and the child
+// dies. 0 ends the watch.
+constexpr unsigned kLongestPiece = 60;
 void expectEndWithin(unsigned seconds);
 
-}  // namespace sim::explore
+}  // namespace sim::search

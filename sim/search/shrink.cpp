@@ -1,6 +1,6 @@
-#include "sim/explore/shrink.hpp"
+#include "sim/search/shrink.hpp"
 
-namespace sim::explore {
+namespace sim::search {
 
 namespace {
 
@@ -52,4 +52,4 @@ Lines shrunk(Lines lines, const Fails& fails) {
   return lines;
 }
 
-}  // namespace sim::explore
+}  // namespace sim::search

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace sim::explore {
+namespace sim::search {
 
 class Random {
  public:
@@ -23,4 +23,4 @@ class Random {
   std::mt19937_64 engine_;
 };
 
-}  // namespace sim::explore
+}  // namespace sim::search

@@ -1,13 +1,15 @@
 // Makes a failing scenario as short as it can be.
 #pragma once
 #include <functional>
+#include <string>
+#include <vector>
 
-#include "sim/explore/playback.hpp"
+namespace sim::search {
 
-namespace sim::explore {
+using Lines = std::vector<std::string>;
 
 // Leaves lines out, first many at a time, then single ones and pairs, until none can be spared.
 // `fails` is true for the lines given, and decides for every shorter list.
 Lines shrunk(Lines lines, const std::function<bool(const Lines&)>& fails);
 
-}  // namespace sim::explore
+}  // namespace sim::search

@@ -1,4 +1,4 @@
-#include "sim/explore/child.hpp"
+#include "sim/search/child.hpp"
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <stdexcept>
 
-namespace sim::explore {
+namespace sim::search {
 
 namespace {
 
@@ -90,4 +90,4 @@ Outcome isolated(const std::function<void(const Tell&)>& work) {
 
 void expectEndWithin(unsigned seconds) { alarm(seconds); }
 
-}  // namespace sim::explore
+}  // namespace sim::search
