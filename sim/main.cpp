@@ -8,6 +8,7 @@
 #include "sim/guest/bench.hpp"
 #include "sim/guest/guest_library.hpp"
 #include "sim/host/host_library.hpp"
+#include "sim/inject/campaign.hpp"
 #include "sim/scenario/runner.hpp"
 #include "sim/scenario/shell.hpp"
 
@@ -25,6 +26,8 @@ struct CommandLine {
   guest::GuestDebugging debugging;
   std::vector<std::string> files;
   search::SearchOptions search;
+  inject::CampaignOptions injecting;
+  std::string checkUp;
 
   RunOptions options() const {
     return {format == "json" ? Format::Json : Format::Text, calls == "all", leaks};
@@ -93,11 +96,39 @@ void addSearchOptions(CLI::App& command, CommandLine& line) {
   command.add_option("--seed", line.search.first, "of the first scenario; the next count up");
   command.add_option("--count", line.search.count, "how many scenarios")
       ->check(CLI::Range(1, 1000000000));
-  command.add_option("--jobs", line.search.jobs, "how many at a time")
-      ->check(CLI::Range(1, 256));
+  command.add_option("--jobs", line.search.jobs, "how many at a time")->check(CLI::Range(1, 256));
   command.add_option("--minutes", line.search.minutes, "stop after that long")
       ->check(CLI::PositiveNumber);
   command.add_option("--image", line.image, "compare this device binary's slices too");
+}
+
+std::string readOrThrow(const std::string& file) {
+  if (auto text = readScenario(file)) return *text;
+  throw std::runtime_error(file + ": cannot be read");
+}
+
+int injectFaults(const CommandLine& line) {
+  inject::Campaign campaign;
+  campaign.makeLoader = [&line] { return makeLoader(line); };
+  for (const std::string& file : line.files)
+    campaign.tours.push_back(parseScript(file, readOrThrow(file)));
+  campaign.checkUp = parseScript(line.checkUp, readOrThrow(line.checkUp));
+  return inject::inject(campaign, line.injecting, line.search, std::cout, std::cerr) ? 1 : 0;
+}
+
+void addInjectOptions(CLI::App& command, CommandLine& line) {
+  command.add_flag("--pairs", line.injecting.pairs, "any two faults together, not each alone");
+  command.add_option("--seed", line.injecting.seed, "mixes the order");
+  command.add_option("--count", line.search.count, "at most so many trials")
+      ->check(CLI::Range(1, 1000000000));
+  command.add_option("--jobs", line.search.jobs, "how many at a time")->check(CLI::Range(1, 256));
+  command.add_option("--minutes", line.search.minutes, "stop after that long")
+      ->check(CLI::PositiveNumber);
+  command.add_option("--image", line.image, "run this device binary in place of the host build");
+  command.add_option("--slice", line.slice, "which of the binary's slices")
+      ->check(CLI::IsMember({"arm64", "armv7"}));
+  command.add_option("--check-up", line.checkUp, "what must hold afterwards")->required();
+  command.add_option("TOUR", line.files, "scenarios to be played with faults")->required();
 }
 
 void addOptions(CLI::App& command, CommandLine& line) {
@@ -132,6 +163,9 @@ int main(int count, char** words) {
   CLI::App* exploreCommand =
       app.add_subcommand("explore", "search for scenarios that break what must always hold");
   addSearchOptions(*exploreCommand, line);
+  CLI::App* injectCommand =
+      app.add_subcommand("inject", "play scenarios with everything failing that can");
+  addInjectOptions(*injectCommand, line);
   try {
     app.parse(count, words);
   } catch (const CLI::ParseError& error) {
@@ -142,6 +176,8 @@ int main(int count, char** words) {
     if (*runCommand) return run(line);
     if (*exploreCommand)
       return explore::explore(makeBuilds(line.image), line.search, std::cout, std::cerr) ? 1 : 0;
+    line.injecting.countGiven = injectCommand->count("--count") > 0;
+    if (*injectCommand) return injectFaults(line);
     if (*benchCommand) {
       guest::runBench(line.image, std::cout);
       return 0;

@@ -123,6 +123,7 @@ void setSceneBackgrounded(SBApplication application, bool backgrounded) {
   const Object current = application.mainScene().mutableSettings();
   const auto settings = Retained<FBSMutableSceneSettings>::adopt(
       send<"mutableCopy", FBSMutableSceneSettings>(current));
+  if (!settings.get()) return;  // a scene takes no other thing for settings
   settings->setBackgrounded(backgrounded);
   application.mainScene().applyMutableSettings(settings.get(), Object{}, Object{});
 }

@@ -80,10 +80,12 @@ void followFrom(NSArray accounts, const Retained<Object>& handler) {
 
 // ---- Methods
 
-// -dropMeAFollow: asks for access to the device's Twitter accounts.
+// -dropMeAFollow: asks for access to the device's Twitter accounts. A system that knows no such
+// accounts has nothing to ask for, and would not take the question.
 void dropMeAFollow(id self, SEL) {
   const auto store = ACAccountStore::make();
   const ACAccountType type = store->accountTypeWithIdentifier(twitterAccountType());
+  if (!type) return;
   auto completion =
       block<void(BOOL, id)>([store, accountType = Retained<ACAccountType>::retain(type),
                              handler = Retained<Object>::retain(view(self))](BOOL granted, id) {
@@ -92,14 +94,15 @@ void dropMeAFollow(id self, SEL) {
   store->requestAccess(type, completion.object());
 }
 
-// -followWithAccount: the answer is not looked at.
+// -followWithAccount: the answer is not looked at. Without the service there is no request.
 void followWithAccount(id, SEL, id account) {
+  const NSString service = twitterService();
+  if (!service) return;
   const NSDictionary parameters = NSDictionary::dictionaryWithObjectsAndKeys(
       "qarrenvolt"_ns, "screen_name"_ns, "FALSE"_ns, "follow"_ns);
   const NSURL endpoint =
       NSURL::URLWithString("https://api.twitter.com/1.1/friendships/create.json"_ns);
-  const SLRequest request =
-      SLRequest::request(twitterService(), kRequestMethodPost, endpoint, parameters);
+  const SLRequest request = SLRequest::request(service, kRequestMethodPost, endpoint, parameters);
   request.setAccount(view<ACAccount>(account));
   auto ignore = block<void(id, id, id)>([](id, id, id) {});
   request.perform(ignore.object());

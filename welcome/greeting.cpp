@@ -48,6 +48,7 @@ void showWelcome() {
 void openSettingsPane() {
   const NSString pane =
       "Corvalen Pro"_ns.stringByAddingPercentEscapesUsingEncoding(kUtf8StringEncoding);
+  if (!pane) return;
   UIApplication::sharedApplication().openURL(
       NSURL::URLWithString("prefs:root="_ns.stringByAppendingString(pane)));
 }

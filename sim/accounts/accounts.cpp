@@ -35,7 +35,8 @@ class ACAccountStore final : public Object {
   using Object::Object;
 
   Object* typeWithIdentifier(NSString* identifier) {
-    if (textOf(identifier) != "com.apple.twitter") return nullptr;
+    const bool known = textOf(identifier) == "com.apple.twitter";
+    if (!known || !process.findClass("ACAccountType")) return nullptr;
     return &process.shared<ACAccountType>("ACAccountType");
   }
 

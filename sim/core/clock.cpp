@@ -21,14 +21,14 @@ std::optional<std::size_t> Clock::earliest(Microseconds until) const {
   return found;
 }
 
-void Clock::advance(Microseconds span, const std::function<void()>& settle) {
+void Clock::advance(Microseconds span, const std::function<void()>& settle, Microseconds lateness) {
   const Microseconds end = now_ + span;
-  while (const auto next = earliest(end)) {
+  while (const auto next = earliest(end - lateness)) {
     Timer& timer = timers_[*next];
-    now_ = std::max(now_, timer.due);
+    now_ = std::max(now_, timer.due + lateness);
     const auto fire = timer.fire;  // the timer may cancel itself
     if (timer.repeats)
-      timer.due += timer.interval;
+      timer.due += timer.interval * std::max<Microseconds>(1, (now_ - timer.due) / timer.interval);
     else
       timers_.erase(timers_.begin() + static_cast<std::ptrdiff_t>(*next));
     fire();

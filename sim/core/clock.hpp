@@ -18,9 +18,10 @@ class Clock {
   TimerId schedule(Microseconds delay, bool repeats, std::function<void()> fire);
   void cancel(TimerId timer);  // unknown ones are ignored
 
-  // Fires what is due within `span`, in order of due time, then of creation; calls `settle` after
-  // each. Leaves the clock `span` later.
-  void advance(Microseconds span, const std::function<void()>& settle);
+  // Fires what is due within `span`, in order of due time, then of creation, each `lateness` after
+  // its due time; calls `settle` after each. A repeating timer that was so late that it is due
+  // again has missed those times. Leaves the clock `span` later.
+  void advance(Microseconds span, const std::function<void()>& settle, Microseconds lateness = 0);
 
  private:
   struct Timer {

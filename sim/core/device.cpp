@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "sim/core/injection.hpp"
+
 namespace sim {
 
 namespace fs = std::filesystem;
@@ -91,6 +93,7 @@ void Device::endProcess(Process& process) {
   if (found == processes_.end()) return;
   for (const auto timer : process.timers) clock.cancel(timer);
   process.observers.clear();
+  process.ended = true;
   dead_.splice(dead_.end(), processes_, found);
   // Code of the process may still be on the stack: it goes with the outermost callback.
   if (depth_ == 0) dead_.clear();
@@ -120,32 +123,51 @@ void Device::enqueue(Process* process, std::function<void()> work) {
 
 void Device::drain() {
   while (!queue_.empty()) {
-    const auto work = std::move(queue_.front().work);
-    queue_.pop_front();
-    work();
+    ++steps_;
+    if (injection) injection->beforeStep(*this);
+    if (queue_.empty()) break;  // what was left died with its process
+    ++depth_;  // a process that dies of it stays until the work itself, which may refer to it, is
+               // gone
+    {
+      const auto work = std::move(queue_.front().work);
+      queue_.pop_front();
+      work();
+    }
+    if (--depth_ == 0) dead_.clear();
   }
 }
 
 void Device::advance(Microseconds span) {
   drain();
-  clock.advance(span, [this] { drain(); });
+  const Microseconds lateness = injection ? injection->timerLateness() : 0;
+  clock.advance(
+      span, [this] { drain(); }, lateness);
 }
 
 void Device::postDarwin(const std::string& name) {
-  enqueue(nullptr, [this, name] {
-    for (Process* process : processes()) {
-      // A process may have died by what an earlier one did.
-      const auto alive = processes();
-      if (std::ranges::find(alive, process) == alive.end()) continue;
-      std::vector<Address> callbacks;
-      for (const auto& observer : process->observers)
-        if (observer.darwin && observer.name == name) callbacks.push_back(observer.callback);
-      for (const Address code : callbacks) {
-        const std::vector<Value> nothing(5, Value::of(Kind::Pointer, 0));
-        if (!callback(*process, [&] { process->library().call(code, Kind::Void, nothing); })) break;
-      }
+  const int times = injection ? injection->deliveries() : 1;
+  const Microseconds delay = injection ? injection->deliveryDelay() : 0;
+  for (int i = 0; i < times; ++i) {
+    if (delay == 0)
+      enqueue(nullptr, [this, name] { deliverDarwin(name); });
+    else
+      clock.schedule(delay, false, [this, name] { deliverDarwin(name); });
+  }
+}
+
+void Device::deliverDarwin(const std::string& name) {
+  for (Process* process : processes()) {
+    // A process may have died by what an earlier one did.
+    const auto alive = processes();
+    if (std::ranges::find(alive, process) == alive.end()) continue;
+    std::vector<Address> callbacks;
+    for (const auto& observer : process->observers)
+      if (observer.darwin && observer.name == name) callbacks.push_back(observer.callback);
+    for (const Address code : callbacks) {
+      const std::vector<Value> nothing(5, Value::of(Kind::Pointer, 0));
+      if (!callback(*process, [&] { process->library().call(code, Kind::Void, nothing); })) break;
     }
-  });
+  }
 }
 
 void Device::effect(const Process& process, const std::string& call) {

@@ -16,6 +16,8 @@
 
 namespace sim {
 
+class Injection;
+
 inline const std::string kSpringBoard = "com.apple.springboard";
 inline const std::string kMusic = "com.apple.Music";
 inline const std::string kSpotify = "com.spotify.client";
@@ -69,6 +71,7 @@ class Device {
   Clock clock;
   Trace& trace;
   LibraryLoader& loader;
+  Injection* injection = nullptr;  // borrowed; what goes wrong, if anything
 
   // The host's path of a path on the device.
   std::filesystem::path hostPath(const std::string& devicePath) const;
@@ -95,6 +98,7 @@ class Device {
   void advance(Microseconds span);
 
   void postDarwin(const std::string& name);
+  std::size_t steps() const { return steps_; }  // of the queue, so far
   void effect(const Process& process, const std::string& call);
   void otherCall(const Process& process, const std::string& call);
 
@@ -104,6 +108,8 @@ class Device {
   const std::string* selectorName(Address address) const;
 
  private:
+  void deliverDarwin(const std::string& name);
+
   struct Queued {
     std::uint64_t process = 0;  // number of the process it belongs to; 0: the device
     std::function<void()> work;
@@ -112,6 +118,7 @@ class Device {
   std::list<std::unique_ptr<Process>> processes_;
   std::list<std::unique_ptr<Process>> dead_;  // kept until nothing of theirs runs any more
   std::deque<Queued> queue_;
+  std::size_t steps_ = 0;
   int depth_ = 0;  // callbacks running
   std::uint64_t started_ = 0;
   Address nextObject_;

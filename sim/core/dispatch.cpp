@@ -4,6 +4,7 @@
 #include "sim/core/class_definition.hpp"
 #include "sim/core/describe.hpp"
 #include "sim/core/device.hpp"
+#include "sim/core/injection.hpp"
 
 namespace sim {
 
@@ -76,7 +77,12 @@ Value Process::runNative(const NativeCode& code, Invocation& invocation) {
     else
       device.otherCall(*this, call);
   }
-  return code.run(invocation);
+  Injection* injection = device.injection;
+  if (!injection || code.relay || invocation.caller != Caller::Library) return code.run(invocation);
+  if (const auto answer = injection->instead(code, invocation)) return *answer;
+  const Value result = code.run(invocation);
+  injection->ran(code, invocation, result);
+  return result;
 }
 
 Value Process::callFromLibrary(const std::shared_ptr<const NativeCode>& code, bool isMethod,

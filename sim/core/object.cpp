@@ -24,6 +24,7 @@ void Object::libraryRelease() {
 
 void Object::release() {
   --platformReferences_;
+  if (process.ended) return;  // its heap goes as a whole
   try {
     freeIfUnreferenced();
   } catch (const Fault& fault) {

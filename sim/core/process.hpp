@@ -115,6 +115,7 @@ class Process {
   };
   std::vector<Observer> observers;  // in order of registration
   std::uint64_t number = 0;         // the device's count of process starts
+  bool ended = false;               // nothing of it runs any more
 
   // Objects whose references by the library nothing of the library's reaches any more.
   std::vector<std::string> leaks();

@@ -21,9 +21,21 @@ const std::string& anApp(Random& random) {
 }
 
 std::string setting(Random& random) {
-  static const Strings switches = {"yes",  "yes",     "yes", "no",   "1",      "0",
-                                   "-1",   "\"YES\"", "\"0\"", "\" yes\"", "\"\"",   "absent",
-                                   "9223372036854775807", "\"true\"", "\"n\""};
+  static const Strings switches = {"yes",
+                                   "yes",
+                                   "yes",
+                                   "no",
+                                   "1",
+                                   "0",
+                                   "-1",
+                                   "\"YES\"",
+                                   "\"0\"",
+                                   "\" yes\"",
+                                   "\"\"",
+                                   "absent",
+                                   "9223372036854775807",
+                                   "\"true\"",
+                                   "\"n\""};
   const std::size_t kind = random.below(20);
   if (kind < 11) return "prefs " + random.of(kSwitches) + " " + random.of(switches);
   if (kind < 17) {
@@ -69,8 +81,12 @@ std::string player(Random& random) {
 }
 
 std::string widget(Random& random) {
-  static const Strings all = {"Acapella", "Acapella2", "MiniPlayer", "Auxo com.apple.Music no-cell",
-                              "Auxo com.apple.Music cell", "Auxo com.pandora no-cell"};
+  static const Strings all = {"Acapella",
+                              "Acapella2",
+                              "MiniPlayer",
+                              "Auxo com.apple.Music no-cell",
+                              "Auxo com.apple.Music cell",
+                              "Auxo com.pandora no-cell"};
   return "widget " + random.of(all);
 }
 
@@ -105,8 +121,9 @@ std::string tapTransport(Random& random) {
 }
 
 std::string pressPlay(Random& random) {
-  static const Strings all = {"tap-transport 3", "tap-transport 4", "remote 0", "remote 2",
-                              "headphones in", "post \"VNutj2BhJMTGTwVk\"", "tap-title"};
+  static const Strings all = {"tap-transport 3", "tap-transport 4", "remote 0",
+                              "remote 2",        "headphones in",   "post \"VNutj2BhJMTGTwVk\"",
+                              "tap-title"};
   return random.of(all);
 }
 
@@ -116,8 +133,9 @@ std::string pressPlay(Random& random) {
 Strings deferredLaunch(Random& random) {
   Strings lines = {"locked yes", random.chance(70) ? "track none" : "track com.apple.Music paused",
                    pressPlay(random)};
-  static const Strings between = {"announce", "advance 1", "no-class ALApplicationList",
-                                  "passcode no no no", "passcode yes yes no", "boot"};
+  static const Strings between = {
+      "announce",          "advance 1",           "no-class ALApplicationList",
+      "passcode no no no", "passcode yes yes no", "boot"};
   const std::size_t kind = random.below(4);
   if (kind == 0) lines.push_back("unlist " + anApp(random));
   if (kind == 1) lines.push_back(random.of(between));
@@ -140,9 +158,13 @@ Strings greeting(Random& random) {
 // A player is started hidden, and something becomes of it.
 Strings hiddenStart(Random& random) {
   Strings lines = {"track none", pressPlay(random), advance(random)};
-  static const Strings then = {"end com.spotify.client", "end com.apple.podcasts",
-                               "front com.spotify.client", "boot", "new-controller",
-                               "tap-icon com.spotify.client", "open com.spotify.client foreground"};
+  static const Strings then = {"end com.spotify.client",
+                               "end com.apple.podcasts",
+                               "front com.spotify.client",
+                               "boot",
+                               "new-controller",
+                               "tap-icon com.spotify.client",
+                               "open com.spotify.client foreground"};
   lines.push_back(random.of(then));
   lines.push_back(advance(random));
   return lines;
@@ -155,7 +177,6 @@ struct Row {
   std::string (*draw)(Random&);
   Strings (*story)(Random&) = nullptr;  // in its place
 };
-
 
 constexpr Row kRows[] = {
     {12, setting},
@@ -176,18 +197,19 @@ constexpr Row kRows[] = {
     {5, track},
     {2, player},
     {2, [](Random& r) { return fmt::format("account a{}", r.below(4)); }},
-    {1, [](Random& r) -> std::string {
+    {1,
+     [](Random& r) -> std::string {
        return r.chance(60) ? "accounts granted" : "accounts refused";
      }},
     {2, network},
-    {1, [](Random& r) -> std::string {
+    {1,
+     [](Random& r) -> std::string {
        return r.chance(50) ? "can-open tweetbot:" : "can-open twitter:";
      }},
     {6, [](Random& r) { return "start " + anApp(r); }},
     {5, [](Random& r) { return "end " + anApp(r); }},
-    {5, [](Random& r) {
-       return "open " + anApp(r) + (r.chance(60) ? " foreground" : " suspended");
-     }},
+    {5,
+     [](Random& r) { return "open " + anApp(r) + (r.chance(60) ? " foreground" : " suspended"); }},
     {14, tapTransport},
     {4, [](Random&) -> std::string { return "tap-title"; }},
     {6, [](Random& r) { return "tap-icon " + anApp(r); }},
@@ -195,7 +217,8 @@ constexpr Row kRows[] = {
     {2, [](Random&) -> std::string { return "new-controller"; }},
     {3, watch},
     {6, [](Random& r) -> std::string { return r.chance(70) ? "headphones in" : "headphones out"; }},
-    {2, [](Random& r) -> std::string { return r.chance(50) ? "now-playing yes" : "now-playing nil"; }},
+    {2,
+     [](Random& r) -> std::string { return r.chance(50) ? "now-playing yes" : "now-playing nil"; }},
     {4, [](Random& r) { return "process-launched " + anApp(r); }},
     {4, [](Random& r) { return "quit-card " + anApp(r); }},
     {10, [](Random&) -> std::string { return "unlock"; }},

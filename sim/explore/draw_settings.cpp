@@ -18,8 +18,8 @@ struct FreeNode {
 
 plist_t drawText(Random& random) {
   if (random.chance(50)) return plist_new_string(random.of(kApps).c_str());
-  static const std::vector<std::string> odd = {"", "YES", "0", " \n", "com.example.gone",
-                                               "caf\u00e9", std::string(2000, 'x')};
+  static const std::vector<std::string> odd = {
+      "", "YES", "0", " \n", "com.example.gone", "caf\u00e9", std::string(2000, 'x')};
   return plist_new_string(random.of(odd).c_str());
 }
 

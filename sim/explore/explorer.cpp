@@ -26,7 +26,8 @@ class Builds {
       if (other.violation) return other.violation;
       if (other.trace != trace)
         return Violation{"every run gives the same trace",
-                         again ? "a second run differs" : name + " differs", {}};
+                         again ? "a second run differs" : name + " differs",
+                         {}};
     }
     return std::nullopt;
   }

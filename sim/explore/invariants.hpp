@@ -2,6 +2,7 @@
 #pragma once
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -9,9 +10,24 @@
 
 namespace sim::explore {
 
+// The invariants, in a few words.
+namespace rule {
+inline constexpr const char* kNoCrash = "no process crashes";
+inline constexpr const char* kNoLeak = "no reference is lost";
+inline constexpr const char* kFewTimers = "timers do not pile up";
+inline constexpr const char* kKnownPosts = "only known names are posted";
+inline constexpr const char* kKnownCommandLines = "only known command lines are run";
+inline constexpr const char* kOnlyListedApps = "only listed apps are launched";
+inline constexpr const char* kPassedOnOnce =
+    "what is passed on reaches the platform once, what is taken over never";
+inline constexpr const char* kAnswered = "a command reaches the platform once if it is answered";
+inline constexpr const char* kOneGreeting = "the user is greeted once";
+inline constexpr const char* kSettingsKept = "no announced setting is lost";
+}  // namespace rule
+
 // A broken invariant.
 struct Violation {
-  std::string rule;         // which one, in a few words; the same however it was broken
+  std::string rule;         // which one; the same however it was broken
   std::string what;         // what was seen
   std::string expectation;  // the line for a scenario that shows it; empty if there is none
 };
@@ -20,14 +36,17 @@ struct Violation {
 // from commands, effects and the settings file.
 class Invariants {
  public:
-  explicit Invariants(scenario::Session& session) : session_(session) {}
+  // Rules that are `excused` may be broken.
+  explicit Invariants(scenario::Session& session, std::set<std::string> excused = {})
+      : session_(session), excused_(std::move(excused)) {}
 
+  // Somebody else than a command has changed the settings file.
+  void settingsChangedOutside();
   // To be called after each command, as it was written.
   std::optional<Violation> check(const std::string& command);
 
  private:
   using Words = std::vector<std::string>;
-  using Check = std::optional<Violation> (Invariants::*)(const Words&);
 
   std::optional<Violation> noCrash(const Words& words);
   std::optional<Violation> noLeak(const Words& words);
@@ -44,6 +63,7 @@ class Invariants {
   std::size_t count(const std::string& call, const std::string& process = {}) const;
 
   scenario::Session& session_;
+  std::set<std::string> excused_;
   std::map<std::string, std::string> announced_;  // settings that SpringBoard has read
   bool greeted_ = false;                          // and the file says so
 };

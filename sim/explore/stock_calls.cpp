@@ -28,7 +28,8 @@ std::optional<StockCall> quitCard(double version) {
 
 std::optional<StockCall> widget(const Words& words) {
   const std::string controls = "MPUSystemMediaControlsViewController";
-  if (words[1] == "Acapella") return StockCall{controls, "-[" + controls + " action_OpenApp]", PassedOn::OnceOrNever};
+  if (words[1] == "Acapella")
+    return StockCall{controls, "-[" + controls + " action_OpenApp]", PassedOn::OnceOrNever};
   if (words[1] == "Acapella2")
     return StockCall{controls, "-[" + controls + " action_openapp]", PassedOn::OnceOrNever};
   if (words[1] == "MiniPlayer")
@@ -53,8 +54,8 @@ std::optional<StockCall> lockScreen(const Words& words) {
 
 std::optional<StockCall> watch(const Words& words) {
   const bool taken = words[1] == "0" || words[1] == "1" || words[1] == "2";
-  return StockCall{"GCMMusicController",
-                   "-[GCMMusicController didReceiveCommand:" + words[1] + "]", taken ? PassedOn::OnceOrNever : PassedOn::Once, kGarmin};
+  return StockCall{"GCMMusicController", "-[GCMMusicController didReceiveCommand:" + words[1] + "]",
+                   taken ? PassedOn::OnceOrNever : PassedOn::Once, kGarmin};
 }
 
 }  // namespace
@@ -63,11 +64,12 @@ std::optional<StockCall> stockCall(const Words& words, double version) {
   const std::string& name = words[0];
   const std::string controls = "MPUSystemMediaControlsViewController";
   if (name == "tap-transport")
-    return StockCall{controls,
-                     "-[" + controls + " transportControlsView:* tapOnControlType:" + words[1] + "]",
-                     PassedOn::OnceOrNever};
+    return StockCall{
+        controls, "-[" + controls + " transportControlsView:* tapOnControlType:" + words[1] + "]",
+        PassedOn::OnceOrNever};
   if (name == "tap-title")
-    return StockCall{controls, "-[" + controls + " mediaControlsTitlesViewWasTapped:*]", PassedOn::OnceOrNever};
+    return StockCall{controls, "-[" + controls + " mediaControlsTitlesViewWasTapped:*]",
+                     PassedOn::OnceOrNever};
   if (name == "tap-icon") return StockCall{"SBIconController", "-[SBIconController _launchIcon:*]"};
   if (name == "open")
     return StockCall{
@@ -75,12 +77,10 @@ std::optional<StockCall> stockCall(const Words& words, double version) {
         fmt::format("-[SpringBoard launchApplicationWithIdentifier:\"{}\" suspended:{}]", words[1],
                     words[2] == "suspended" ? "YES" : "NO")};
   if (name == "now-playing")
-    return StockCall{"SBMediaController",
-                     std::string("-[SBMediaController setNowPlayingInfo:") +
-                         (words[1] == "yes" ? "<NSDictionary>]" : "nil]")};
+    return StockCall{"SBMediaController", std::string("-[SBMediaController setNowPlayingInfo:") +
+                                              (words[1] == "yes" ? "<NSDictionary>]" : "nil]")};
   if (name == "process-launched" || name == "start")
-    return StockCall{"SBApplication",
-                     "-[SBApplication(" + words[1] + ") processDidLaunch:nil]"};
+    return StockCall{"SBApplication", "-[SBApplication(" + words[1] + ") processDidLaunch:nil]"};
   if (name == "drag-lock-screen")
     return StockCall{"SBLockScreenScrollView",
                      "-[SBLockScreenScrollView touchesShouldCancelInContentView:<UIView>]"};

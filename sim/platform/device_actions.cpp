@@ -9,7 +9,6 @@
 #include "sim/springboard/media.hpp"
 #include "sim/springboard/screens.hpp"
 #include "sim/springboard/springboard.hpp"
-#include "sim/uikit/alert_view.hpp"
 #include "sim/uikit/application.hpp"
 
 namespace sim {
@@ -211,6 +210,12 @@ void pressButton(Device& device, long button) {
   if (button < 0 || static_cast<std::size_t>(button) >= alert->buttons())
     throw ActionError("the alert has no button " + std::to_string(button));
   device.callback(process, [&] { alert->press(button); });
+}
+
+void dismissAlert(Device& device, Dismissal how) {
+  Process* process = device.springBoard();
+  UIAlertView* alert = process ? topAlert(*process) : nullptr;
+  if (alert) device.callback(*process, [&] { alert->dismissBySystem(how); });
 }
 
 // ---- Widgets

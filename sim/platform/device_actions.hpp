@@ -2,6 +2,7 @@
 // does. Each runs one callback of a process; what it posts or queues waits for Device::drain().
 #pragma once
 #include "sim/core/device.hpp"
+#include "sim/uikit/alert_view.hpp"
 
 namespace sim {
 
@@ -31,6 +32,8 @@ void displayOff(Device& device);
 // The scroll view's answer; nothing if there is no scroll view.
 std::optional<bool> dragLockScreen(Device& device);
 void pressButton(Device& device, long button);
+// The system takes SpringBoard's uppermost alert away; nothing if none is up.
+void dismissAlert(Device& device, Dismissal how);
 
 // ---- Title views, by the names that the scenario gives them
 void newTitleView(Device& device, const std::string& name);

@@ -17,7 +17,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::size_t kEnough = 5;  // findings after which a search stops
+constexpr std::size_t kEnough = 40;  // findings after which a search stops
 
 // Where all files of a search go, also those of jobs that died.
 class Workspace {

@@ -14,7 +14,9 @@ std::string FBSMutableSceneSettings::description() const {
 FBScene::FBScene(Process& owner, std::string app)
     : Object(owner),
       app_(std::move(app)),
-      settings_(owner.make<FBSMutableSceneSettings>("FBSMutableSceneSettings")) {}
+      settings_(owner.findClass("FBSMutableSceneSettings")
+                    ? owner.make<FBSMutableSceneSettings>("FBSMutableSceneSettings")
+                    : Ref<FBSMutableSceneSettings>()) {}
 
 void FBScene::apply(FBSMutableSceneSettings* settings, Object*, Object*) {
   if (!settings) throw Fault("scene settings that are nil");
@@ -48,8 +50,7 @@ ClassDefinition defineFBScene() {
 
 SBApplication::SBApplication(Process& owner, std::string app)
     : Object(owner), app_(app), identifier_(makeString(owner, app)) {
-  if (owner.findClass("FBScene") && owner.findClass("FBSMutableSceneSettings"))
-    scene_ = owner.make<FBScene>("FBScene", std::move(app));
+  if (owner.findClass("FBScene")) scene_ = owner.make<FBScene>("FBScene", std::move(app));
 }
 
 Ref<NSString> SBApplication::displayName() const {

@@ -79,6 +79,23 @@ void UIAlertView::press(long button) {
   tellDelegate("alertView:didDismissWithButtonIndex:", {index});
 }
 
+void UIAlertView::dismissBySystem(Dismissal how) {
+  const Ref<Object> alive(this);
+  const Value index = Value::integer(Kind::Long, cancelIndex_);
+  const bool tells = how != Dismissal::Vanished;
+  if (how == Dismissal::Cancelled) {
+    const std::string cancel = "alertViewCancel:";
+    Object* listener = delegate();
+    if (listener && process.responds(*listener, cancel))
+      tellDelegate(cancel, {});
+    else
+      tellDelegate("alertView:clickedButtonAtIndex:", {index});
+  }
+  if (tells) tellDelegate("alertView:willDismissWithButtonIndex:", {index});
+  std::erase_if(shown(process).stack, [this](const auto& alert) { return alert.get() == this; });
+  if (tells) tellDelegate("alertView:didDismissWithButtonIndex:", {index});
+}
+
 std::string UIAlertView::contents() const {
   const auto text = [](const Ref<NSString>& string) {
     return string ? string->description() : std::string("nil");

@@ -5,6 +5,13 @@
 
 namespace sim {
 
+// How the system takes an alert away that nobody answered.
+enum class Dismissal : std::uint8_t {
+  Cancelled,  // as documented: the delegate is told, or has the cancel button pressed
+  Dismissed,  // without a button: the delegate hears of the dismissal alone
+  Vanished,   // and of nothing
+};
+
 class UIAlertView final : public Object {
  public:
   using Object::Object;
@@ -23,6 +30,7 @@ class UIAlertView final : public Object {
   // The user presses a button: the delegate hears of it in the platform's order, and the alert is
   // gone.
   void press(long button);
+  void dismissBySystem(Dismissal how);
   // '"TITLE" "MESSAGE" ["BUTTON"] tag 0'
   std::string contents() const;
 
