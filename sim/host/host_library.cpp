@@ -155,11 +155,12 @@ struct Range {
 
 class HostLibrary final : public Library {
  public:
-  HostLibrary(Process& process, std::filesystem::path copy)
-      : process_(process), copy_(std::move(copy)) {}
+  HostLibrary(Process& process, std::shared_ptr<SpareCopies> copies)
+      : process_(process), copies_(std::move(copies)), copy_(copies_->take()) {}
 
   ~HostLibrary() override {
     if (handle_) dlclose(handle_);
+    copies_->giveBack(copy_);
     for (const unsigned index : taken_) thunks[index] = {};
     for (const auto& [memory, size] : memory_) std::free(reinterpret_cast<void*>(memory));
   }
@@ -167,7 +168,6 @@ class HostLibrary final : public Library {
   void runInitialisers() override {
     const Running entered(process_);
     handle_ = dlopen(copy_.c_str(), RTLD_NOW | RTLD_LOCAL);
-    std::filesystem::remove(copy_);
     if (!handle_) throw std::runtime_error(dlerror());
   }
 
@@ -289,6 +289,7 @@ class HostLibrary final : public Library {
   }
 
   Process& process_;
+  std::shared_ptr<SpareCopies> copies_;
   std::filesystem::path copy_;
   void* handle_ = nullptr;
   std::vector<unsigned> taken_;
@@ -299,13 +300,27 @@ class HostLibrary final : public Library {
 
 }  // namespace
 
-std::unique_ptr<Library> HostLibraryLoader::load(Process& process) {
+std::filesystem::path SpareCopies::take() {
+  if (!spare_.empty()) {
+    auto copy = std::move(spare_.back());
+    spare_.pop_back();
+    return copy;
+  }
   static unsigned copies = 0;
-  const auto copy = std::filesystem::temp_directory_path() /
-                    ("corvalen-" + std::to_string(getpid()) + "-" + std::to_string(++copies) +
-                     file_.extension().string());
+  auto copy = std::filesystem::temp_directory_path() /
+              ("corvalen-" + std::to_string(getpid()) + "-" + std::to_string(++copies) +
+               file_.extension().string());
   std::filesystem::copy_file(file_, copy, std::filesystem::copy_options::overwrite_existing);
-  return std::make_unique<HostLibrary>(process, copy);
+  return copy;
+}
+
+SpareCopies::~SpareCopies() {
+  std::error_code ignored;
+  for (const auto& copy : spare_) std::filesystem::remove(copy, ignored);
+}
+
+std::unique_ptr<Library> HostLibraryLoader::load(Process& process) {
+  return std::make_unique<HostLibrary>(process, copies_);
 }
 
 void HostLibraryLoader::setVersion(double version) { simVersionNumber = version; }

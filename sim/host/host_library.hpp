@@ -8,15 +8,32 @@
 
 namespace sim {
 
+// Copies of a shared object that are not loaded at the moment. The same copy, loaded again after it
+// was unloaded, is as fresh as a new one.
+class SpareCopies {
+ public:
+  explicit SpareCopies(std::filesystem::path file) : file_(std::move(file)) {}
+  ~SpareCopies();
+  SpareCopies(const SpareCopies&) = delete;
+  SpareCopies& operator=(const SpareCopies&) = delete;
+  std::filesystem::path take();
+  void giveBack(std::filesystem::path copy) { spare_.push_back(std::move(copy)); }
+
+ private:
+  std::filesystem::path file_;
+  std::vector<std::filesystem::path> spare_;
+};
+
 class HostLibraryLoader final : public LibraryLoader {
  public:
-  // `file` is the shared object. It is copied when a process loads it.
-  explicit HostLibraryLoader(std::filesystem::path file) : file_(std::move(file)) {}
+  // `file` is the shared object. Each process loads a copy of its own.
+  explicit HostLibraryLoader(std::filesystem::path file)
+      : copies_(std::make_shared<SpareCopies>(std::move(file))) {}
   std::unique_ptr<Library> load(Process& process) override;
   void setVersion(double version) override;
 
  private:
-  std::filesystem::path file_;
+  std::shared_ptr<SpareCopies> copies_;
 };
 
 }  // namespace sim
