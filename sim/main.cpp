@@ -174,6 +174,9 @@ int main(int count, char** words) {
   }
   try {
     if (*runCommand) return run(line);
+    // With a time limit alone the count is no limit.
+    if (*exploreCommand && line.search.minutes > 0 && exploreCommand->count("--count") == 0)
+      line.search.count = 1000000000;
     if (*exploreCommand)
       return explore::explore(makeBuilds(line.image), line.search, std::cout, std::cerr) ? 1 : 0;
     line.injecting.countGiven = injectCommand->count("--count") > 0;

@@ -29,6 +29,7 @@ class InjectedFaults : public DeviceTest {
     device.drain();
     for (const auto& call : calls.all)
       if (call.starts_with("crash: ")) ADD_FAILURE() << call;
+    EXPECT_TRUE(injector_->struck()) << "what was to fail was never called";
     Process* board = device.springBoard();
     if (!board) return false;
     for (const auto& leak : board->leaks()) ADD_FAILURE() << "leak of " << leak;

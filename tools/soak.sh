@@ -1,17 +1,80 @@
 #!/usr/bin/env bash
-# soak.sh MINUTES: random situations for that long, each on the host build and on both slices of the
-# device binary. Stops at the first finding, shrunk and ready to be kept in scenarios/.
+# soak.sh MINUTES: searches for faults for that long, in every way there is, and says what was tried.
+# Findings are printed as they come, ready to be kept in scenarios/regressions/; the exit status is 1
+# if there were any. SEED=N repeats a soak's random choices.
 set -euo pipefail
 cd "$(dirname "$0")/.."
+
+[[ "$1" =~ ^[0-9]+([.][0-9]+)?$ ]] || { echo "soak: $1 is no number of minutes" >&2; exit 2; }
 minutes=$1
-end=$(($(date +%s) + minutes * 60))
-seed=$(date +%s)
-tried=0
-while [ "$(date +%s)" -lt "$end" ]; do
-  python3 tests/random_devices.py build/host/corvalen-sim build/host/device/proCorvalen.dylib \
-    "$seed" 50 >/tmp/corvalen-soak.$$ || { cat /tmp/corvalen-soak.$$; rm -f /tmp/corvalen-soak.$$; exit 1; }
-  seed=$((seed + 50))
-  tried=$((tried + 50))
-  echo "$tried situations, 0 findings, $((end - $(date +%s))) s left"
-done
-rm -f /tmp/corvalen-soak.$$
+seed=${SEED:-$(date +%s)}
+jobs=$(nproc)
+simulator=build/host/corvalen-sim
+image=build/host/device/proCorvalen.dylib
+fuzzers=build/clang/tests
+tours=(--check-up scenarios/tours/check-up.txt scenarios/tours/ios*.txt)
+logs=$(mktemp -d)
+trap 'rm -rf "$logs"' EXIT
+figures=()
+findings=0
+
+share() { awk -v m="$minutes" -v part="$1" 'BEGIN { printf "%.3f", m * part / 100 }'; }
+
+# A search of the simulator's: its findings and its progress are shown, its last line is kept.
+search() {
+  local name=$1 log
+  shift
+  log="$logs/${#figures[@]}"
+  echo "== $name"
+  "$simulator" "$@" --jobs "$jobs" 2>&1 | tee "$log" || true
+  figures+=("$(printf '%-48s %s' "$name" "$(tail -1 "$log")")")
+  local found
+  found=$(tail -1 "$log" | sed -n 's/.* \([0-9]*\) findings.*/\1/p')
+  findings=$((findings + ${found:-1}))
+}
+
+# Both fuzzers at once, each on a core of its own.
+fuzz() {
+  local seconds name
+  seconds=$(share 20 | awk '{ print int($1 * 60) + 1 }')
+  echo "== Fuzzing for $seconds s"
+  for name in settings macho; do
+    mkdir -p "$logs/$name.corpus"
+    (cd "$logs" && "$OLDPWD/$fuzzers/${name}_fuzz" -max_total_time="$seconds" -timeout=60 \
+      -rss_limit_mb=4096 -print_final_stats=1 -artifact_prefix="$logs/$name." \
+      "$logs/$name.corpus" "$OLDPWD/tests/corpus/$name" >"$logs/$name.log" 2>&1) &
+  done
+  wait
+  for name in settings macho; do
+    local runs found=0 artifact
+    runs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$logs/$name.log")
+    for artifact in "$logs/$name."{crash,timeout,oom,leak}-*; do
+      [ -e "$artifact" ] || continue
+      found=$((found + 1))
+      tail -40 "$logs/$name.log"
+      cp "$artifact" .
+      echo "The input is kept as $(basename "$artifact")"
+    done
+    [ -n "$runs" ] || { tail -20 "$logs/$name.log"; found=1; }
+    figures+=("$(printf '%-48s %s inputs, %s findings' "fuzzed: $name" "${runs:-0}" "$found")")
+    findings=$((findings + found))
+  done
+}
+
+echo "Soaking for $minutes minutes with seed $seed on $jobs cores"
+search 'every fault alone' inject "${tours[@]}"
+search 'every fault alone, arm64' inject --image "$image" --slice arm64 --seed "$seed" \
+  --minutes "$(share 5)" "${tours[@]}"
+search 'every fault alone, armv7' inject --image "$image" --slice armv7 --seed "$seed" \
+  --minutes "$(share 5)" "${tours[@]}"
+search 'faults in pairs' inject --pairs --seed "$seed" --minutes "$(share 25)" "${tours[@]}"
+search 'random scenarios' explore --seed "$seed" --minutes "$(share 30)"
+search 'random scenarios, host and both slices alike' explore --seed "$((seed + 500000000))" \
+  --image "$image" --minutes "$(share 15)"
+fuzz
+
+echo
+echo "== In $minutes minutes with seed $seed"
+printf '%s\n' "${figures[@]}"
+echo "$findings findings"
+[ "$findings" -eq 0 ]

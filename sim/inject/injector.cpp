@@ -88,11 +88,14 @@ Injector::Injector(std::vector<InjectedFault> faults) : faults_(std::move(faults
 std::optional<Value> Injector::instead(const NativeCode& code, Invocation& call) {
   if (failing_.empty() && answeringAnother_.empty()) return std::nullopt;
   const std::string shown = described(call);
-  if (failing_.contains(shown)) {
+  const bool fails = failing_.contains(shown);
+  const bool answersAnother = answeringAnother_.contains(shown);
+  if (fails || answersAnother) struck_ = true;
+  if (fails) {
     if (isInitialiser(call)) return failedInitialiser(call);
     return failure(call.name).value_or(Value::of(code.signature.result, 0));
   }
-  if (answeringAnother_.contains(shown)) return initialiseAnother(code, call);
+  if (answersAnother) return initialiseAnother(code, call);
   return std::nullopt;
 }
 

@@ -23,6 +23,8 @@ class Injector final : public Injection {
   bool before(Device& device, const std::string& line);
   void after(Device& device);
 
+  // Whether any call failed or answered another object, as it was to.
+  bool struck() const { return struck_; }
   // Calls that were answered with something, and could have failed; initialisers among them.
   const std::set<std::string>& answered() const { return answered_; }
   const std::set<std::string>& initialisers() const { return initialisers_; }
@@ -37,6 +39,7 @@ class Injector final : public Injection {
   Microseconds deliveryDelay_ = 0;
   Microseconds timerLateness_ = 0;
   std::set<std::string> killed_;
+  bool struck_ = false;
 
   std::set<std::string> answered_;
   std::set<std::string> initialisers_;
