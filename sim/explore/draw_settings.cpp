@@ -1,9 +1,8 @@
-// Settings files of every kind that a property list can be.
+#include "sim/explore/draw_settings.hpp"
+
 #include <fmt/format.h>
-#include <plist/plist.h>
 
 #include <cstdlib>
-#include <memory>
 
 #include "sim/explore/draw.hpp"
 #include "sim/explore/names.hpp"
@@ -11,10 +10,6 @@
 namespace sim::explore {
 
 namespace {
-
-struct FreeNode {
-  void operator()(void* node) const { plist_free(node); }
-};
 
 plist_t drawText(Random& random) {
   if (random.chance(50)) return plist_new_string(random.of(kApps).c_str());
@@ -74,16 +69,22 @@ plist_t drawRoot(Random& random) {
 
 }  // namespace
 
-std::string drawSettingsFile(Random& random) {
-  const std::unique_ptr<void, FreeNode> root(drawRoot(random));
+PlistNode drawValue(Random& random) { return PlistNode(drawValue(random, 0)); }
+
+PlistNode drawSettings(Random& random) { return PlistNode(drawRoot(random)); }
+
+std::string asFile(const PlistNode& root, Random& random) {
+  if (random.chance(50)) return toXml(root.get());
   char* bytes = nullptr;
   std::uint32_t length = 0;
-  if (random.chance(50))
-    plist_to_xml(root.get(), &bytes, &length);
-  else
-    plist_to_bin(root.get(), &bytes, &length);
-  std::string file(bytes ? bytes : "", length);
+  plist_to_bin(root.get(), &bytes, &length);
+  const std::string file(bytes ? bytes : "", bytes ? length : 0);
   std::free(bytes);
+  return file;
+}
+
+std::string drawSettingsFile(Random& random) {
+  std::string file = asFile(drawSettings(random), random);
   if (random.chance(15)) file.resize(random.below(file.size() + 1));
   std::string digits = "hex";
   if (!file.empty()) digits += ' ';

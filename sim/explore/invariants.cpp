@@ -48,6 +48,7 @@ std::optional<Violation> Invariants::check(const std::string& command) {
   };
   Words words;
   for (const auto& word : scenario::splitWords(command)) words.push_back(word.text);
+  settings_ = scenario::readSettings(session_.device());
   std::optional<Violation> first;
   for (const Row& row : kRows) {
     auto violation = (this->*row.check)(words);  // all of them, as some remember what they saw
@@ -189,9 +190,8 @@ std::optional<Violation> Invariants::answered(const Words& words) {
 std::optional<Violation> Invariants::oneGreeting(const Words& words) {
   Device& device = session_.device();
   const std::string marker = "feo63OPBmERAd2000UpdRdCAND";
-  const auto settings = scenario::readSettings(device);
   if (wasAny(words, {"prefs", "prefs-file", "prefs-remove"}) &&
-      (!settings || !settings->contains(marker)))
+      (!settings_ || !settings_->contains(marker)))
     greeted_ = false;
   const std::size_t greetings = count(R"(-[UIAlertView show] "" "Thanks for updating*)") +
                                 count(R"(-[UIAlertView show] "<3" *)");
@@ -203,18 +203,17 @@ std::optional<Violation> Invariants::oneGreeting(const Words& words) {
 
 // What SpringBoard has read stays in the file until somebody else changes it.
 std::optional<Violation> Invariants::settingsKept(const Words& words) {
-  const auto settings = scenario::readSettings(session_.device());
   if (words[0] == "prefs") announced_.erase(words[1]);
   if (wasAny(words, {"prefs-file", "prefs-remove"})) announced_.clear();
   for (const auto& [key, value] : announced_) {
-    const bool there = settings && settings->contains(key);
+    const bool there = settings_ && settings_->contains(key);
     // The markers count by their presence, and their values are the library's to set.
     const bool marker = std::ranges::find(kMarkers, key) != kMarkers.end();
-    if (there && (marker || settings->at(key) == value)) continue;
+    if (there && (marker || settings_->at(key) == value)) continue;
     return Violation{{}, key + " is gone or another", {}};
   }
   if (count("-[NSMutableDictionary initWithContentsOfFile:*", kSpringBoard) > 0)
-    announced_ = settings.value_or(std::map<std::string, std::string>{});
+    announced_ = settings_.value_or(std::map<std::string, std::string>{});
   return std::nullopt;
 }
 

@@ -64,6 +64,7 @@ class Invariants {
 
   scenario::Session& session_;
   std::set<std::string> excused_;
+  std::optional<std::map<std::string, std::string>> settings_;  // what the file holds now
   std::map<std::string, std::string> announced_;  // settings that SpringBoard has read
   bool greeted_ = false;                          // and the file says so
 };

@@ -1,31 +1,21 @@
 #include "sim/foundation/property_list.hpp"
 
-#include <plist/plist.h>
-
 #include <fstream>
-#include <memory>
 
 #include "sim/core/device.hpp"
 #include "sim/foundation/array.hpp"
 #include "sim/foundation/data.hpp"
 #include "sim/foundation/number.hpp"
+#include "sim/foundation/plist_file.hpp"
 #include "sim/foundation/string.hpp"
 
 namespace sim {
 
 namespace {
 
-struct FreeNode {
-  void operator()(void* node) const { plist_free(node); }
-};
-using Node = std::unique_ptr<void, FreeNode>;
+Ref<Object> toObject(Process& process, plist_t node);
 
-constexpr int kDeepest = 256;
-constexpr std::size_t kLargestFile = std::size_t{64} << 20;
-
-Ref<Object> toObject(Process& process, plist_t node, int depth);
-
-Ref<NSDictionary> toDictionary(Process& process, plist_t node, int depth) {
+Ref<NSDictionary> toDictionary(Process& process, plist_t node) {
   auto dictionary = makeDictionary(process);
   plist_dict_iter iterator = nullptr;
   plist_dict_new_iter(node, &iterator);
@@ -34,7 +24,7 @@ Ref<NSDictionary> toDictionary(Process& process, plist_t node, int depth) {
     plist_t value = nullptr;
     plist_dict_next_item(node, iterator, &key, &value);
     if (!value) break;
-    if (const auto object = toObject(process, value, depth + 1); object && key)
+    if (const auto object = toObject(process, value); object && key)
       dictionary->set(key, object.get());
     std::free(key);
   }
@@ -42,16 +32,14 @@ Ref<NSDictionary> toDictionary(Process& process, plist_t node, int depth) {
   return dictionary;
 }
 
-Ref<Object> toArray(Process& process, plist_t node, int depth) {
+Ref<Object> toArray(Process& process, plist_t node) {
   std::vector<Ref<Object>> elements;
   for (std::uint32_t i = 0; i < plist_array_get_size(node); ++i)
-    if (auto object = toObject(process, plist_array_get_item(node, i), depth + 1))
-      elements.push_back(object);
+    if (auto object = toObject(process, plist_array_get_item(node, i))) elements.push_back(object);
   return Ref<Object>(makeArray(process, elements).get());
 }
 
-Ref<Object> toObject(Process& process, plist_t node, int depth) {
-  if (depth > kDeepest) throw std::length_error("a property list nested too deeply");
+Ref<Object> toObject(Process& process, plist_t node) {
   switch (plist_get_node_type(node)) {
     case PLIST_BOOLEAN: {
       std::uint8_t value = 0;
@@ -74,9 +62,9 @@ Ref<Object> toObject(Process& process, plist_t node, int depth) {
       return makeString(process, text ? std::string(text, length) : std::string());
     }
     case PLIST_ARRAY:
-      return toArray(process, node, depth);
+      return toArray(process, node);
     case PLIST_DICT:
-      return toDictionary(process, node, depth);
+      return toDictionary(process, node);
     case PLIST_DATA: {
       std::uint64_t length = 0;
       const char* bytes = plist_get_data_ptr(node, &length);
@@ -94,32 +82,33 @@ Ref<Object> toObject(Process& process, plist_t node, int depth) {
 }
 
 // Null if the object is nothing that a property list can hold.
-Node toNode(const Object& object) {
+PlistNode toNode(const Object& object) {
   if (const auto* number = dynamic_cast<const NSNumber*>(&object)) {
-    if (const bool* truth = std::get_if<bool>(&number->value)) return Node(plist_new_bool(*truth));
+    if (const bool* truth = std::get_if<bool>(&number->value))
+      return PlistNode(plist_new_bool(*truth));
     if (const auto* whole = std::get_if<std::int64_t>(&number->value))
-      return Node(plist_new_uint(static_cast<std::uint64_t>(*whole)));
-    return Node(plist_new_real(std::get<double>(number->value)));
+      return PlistNode(plist_new_uint(static_cast<std::uint64_t>(*whole)));
+    return PlistNode(plist_new_real(std::get<double>(number->value)));
   }
   if (const auto* string = dynamic_cast<const NSString*>(&object))
-    return Node(plist_new_string(string->text.c_str()));
+    return PlistNode(plist_new_string(string->text.c_str()));
   if (const auto* data = dynamic_cast<const NSData*>(&object))
-    return Node(plist_new_data(data->bytes.data(), data->bytes.size()));
+    return PlistNode(plist_new_data(data->bytes.data(), data->bytes.size()));
   if (const auto* date = dynamic_cast<const NSDate*>(&object))
-    return Node(plist_new_date(date->seconds, 0));
+    return PlistNode(plist_new_date(date->seconds, 0));
   if (const auto* array = dynamic_cast<const NSArray*>(&object)) {
-    Node node(plist_new_array());
+    PlistNode node(plist_new_array());
     for (std::size_t i = 0; i < array->size(); ++i) {
-      Node element = toNode(*array->at(i));
+      PlistNode element = toNode(*array->at(i));
       if (!element) return {};
       plist_array_append_item(node.get(), element.release());
     }
     return node;
   }
   if (const auto* dictionary = dynamic_cast<const NSDictionary*>(&object)) {
-    Node node(plist_new_dict());
+    PlistNode node(plist_new_dict());
     for (const auto& entry : dictionary->entries()) {
-      Node value = toNode(*entry.value);
+      PlistNode value = toNode(*entry.value);
       if (!value) return {};
       plist_dict_set_item(node.get(), entry.key.c_str(), value.release());
     }
@@ -134,40 +123,24 @@ Ref<NSDictionary> readPropertyList(Process& process, const std::string& devicePa
   std::ifstream file(process.device.hostPath(devicePath), std::ios::binary);
   if (!file) return {};
   const std::string bytes{std::istreambuf_iterator<char>(file), {}};
-  // Anything but the two formats is unreadable, whatever else the parser would take.
-  const bool binary = bytes.starts_with("bplist");
-  if (bytes.size() > kLargestFile) return {};
-  plist_t parsed = nullptr;
-  const auto size = static_cast<std::uint32_t>(bytes.size());
-  if (binary)
-    plist_from_bin(bytes.data(), size, &parsed);
-  else if (bytes.find("<plist") != std::string::npos)
-    plist_from_xml(bytes.data(), size, &parsed);
-  const Node root(parsed);
+  const PlistNode root = parsePropertyList(bytes);
   if (!root || plist_get_node_type(root.get()) != PLIST_DICT) return {};
-  try {
-    return toDictionary(process, root.get(), 0);
-  } catch (const std::length_error&) {
-    return {};
-  }
+  return toDictionary(process, root.get());
 }
 
 bool writePropertyList(const NSDictionary& dictionary, const std::string& devicePath) {
   const Device& device = dictionary.process.device;
   if (device.state.settingsReadOnly) return false;
-  const Node root = toNode(dictionary);
+  const PlistNode root = toNode(dictionary);
   if (!root) return false;
-  char* xml = nullptr;
-  std::uint32_t length = 0;
-  plist_to_xml(root.get(), &xml, &length);
-  if (!xml) return false;
+  const std::string xml = toXml(root.get());
+  if (xml.empty()) return false;
   const auto path = device.hostPath(devicePath);
   auto auxiliary = path;
   auxiliary += ".new";
   std::ofstream file(auxiliary, std::ios::binary | std::ios::trunc);
-  file.write(xml, length);
+  file << xml;
   file.close();
-  std::free(xml);
   std::error_code error;
   if (file) std::filesystem::rename(auxiliary, path, error);
   return file && !error;

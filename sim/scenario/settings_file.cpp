@@ -1,9 +1,8 @@
 #include "sim/scenario/settings_file.hpp"
 
-#include <plist/plist.h>
-
 #include <fstream>
-#include <memory>
+
+#include "sim/foundation/plist_file.hpp"
 
 namespace sim::scenario {
 
@@ -11,21 +10,10 @@ namespace {
 
 const char* const kPath = "/var/mobile/Library/Preferences/com.qvethmar.corvalenpro.plist";
 
-struct FreeNode {
-  void operator()(void* node) const { plist_free(node); }
-};
-using Node = std::unique_ptr<void, FreeNode>;
-
-Node readDictionary(const std::filesystem::path& path) {
+PlistNode readDictionary(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
   const std::string bytes{std::istreambuf_iterator<char>(file), {}};
-  plist_t parsed = nullptr;
-  const auto size = static_cast<std::uint32_t>(bytes.size());
-  if (bytes.starts_with("bplist"))
-    plist_from_bin(bytes.data(), size, &parsed);
-  else if (bytes.find("<plist") != std::string::npos)
-    plist_from_xml(bytes.data(), size, &parsed);
-  Node node(parsed);
+  PlistNode node = parsePropertyList(bytes);
   if (node && plist_get_node_type(node.get()) != PLIST_DICT) node.reset();
   return node;
 }
@@ -36,19 +24,10 @@ plist_t toNode(const SettingValue& value) {
   return plist_new_uint(static_cast<std::uint64_t>(std::get<std::int64_t>(value)));
 }
 
-std::string toXml(plist_t node) {
-  char* xml = nullptr;
-  std::uint32_t length = 0;
-  plist_to_xml(node, &xml, &length);
-  const std::string text(xml ? xml : "", length);
-  std::free(xml);
-  return text;
-}
-
 }  // namespace
 
 void setSetting(Device& device, const std::string& key, const SettingValue& value) {
-  Node root = readDictionary(device.hostPath(kPath));
+  PlistNode root = readDictionary(device.hostPath(kPath));
   const bool takeOut = std::holds_alternative<Absent>(value);
   if (!root) {
     if (takeOut) return;
@@ -69,7 +48,7 @@ void writeSettings(Device& device, const std::string& bytes) {
 void removeSettings(Device& device) { std::filesystem::remove(device.hostPath(kPath)); }
 
 std::optional<std::map<std::string, std::string>> readSettings(const Device& device) {
-  const Node root = readDictionary(device.hostPath(kPath));
+  const PlistNode root = readDictionary(device.hostPath(kPath));
   if (!root) return std::nullopt;
   std::map<std::string, std::string> settings;
   plist_dict_iter iterator = nullptr;

@@ -1,0 +1,15 @@
+// Draws settings files of every kind that a property list can be.
+#pragma once
+#include "sim/foundation/plist_file.hpp"
+#include "sim/search/random.hpp"
+
+namespace sim::explore {
+
+// A value of any type; containers nest a few levels.
+PlistNode drawValue(search::Random& random);
+// Mostly a dictionary with the product's keys, some of them as they should be.
+PlistNode drawSettings(search::Random& random);
+// XML or binary.
+std::string asFile(const PlistNode& root, search::Random& random);
+
+}  // namespace sim::explore

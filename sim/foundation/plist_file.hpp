@@ -1,0 +1,22 @@
+// Property lists as bytes: the two forms that the platform reads, XML and binary.
+#pragma once
+#include <plist/plist.h>
+
+#include <memory>
+#include <string>
+
+namespace sim {
+
+struct FreePlistNode {
+  void operator()(void* node) const { plist_free(node); }
+};
+using PlistNode = std::unique_ptr<void, FreePlistNode>;
+
+// Null if the bytes are no property list, larger than 64 MiB, nested more than 256 deep, or (as the
+// binary form can refer to one object from many places) would grow beyond a million objects.
+PlistNode parsePropertyList(const std::string& bytes);
+
+// The XML form; empty if there is none.
+std::string toXml(plist_t node);
+
+}  // namespace sim
