@@ -110,6 +110,34 @@ TEST_F(Installer, EveryVersionAndKindOfProcessGetsItsRowsOfTheTables) {
   }
 }
 
+// The add-ons' rows stand before the last one, each where its library's file is there.
+TEST_F(Installer, EverySetOfAddOnsGetsItsRowsOnEveryVersion) {
+  const std::pair<const char*, const char*> rows[] = {
+      {"Acapella", "MSHookMessageEx(MPUSystemMediaControlsViewController, action_OpenApp)"},
+      {"Acapella2", "MSHookMessageEx(MPUSystemMediaControlsViewController, action_openapp)"},
+      {"Auxo",
+       "MSHookMessageEx(AuxoCollectionView, "
+       "activateApplicationWithDisplayIdentifier:fromCell:)"},
+      {"MiniPlayer", "MSHookMessageEx(MPMiniPlayerActionsDelegate, openNowPlayingApp)"},
+  };
+  std::size_t combinations = 0;
+  for (const double version : kVersions)
+    for (unsigned present = 0; present < 1u << std::size(rows); ++present, ++combinations) {
+      auto ruled = expected(version, kSpringBoardRows);
+      device.state.addOns.clear();
+      for (std::size_t i = 0; i < std::size(rows); ++i) {
+        if ((present >> i & 1) == 0) continue;
+        device.state.addOns.insert(rows[i].first);
+        if (!ruled.empty()) ruled.insert(ruled.end() - 1, rows[i].second);
+      }
+      device.setVersion(version);
+      calls.all.clear();
+      device.bootSpringBoard();
+      ASSERT_EQ(installed(), ruled) << version << ", add-ons " << present;
+    }
+  EXPECT_EQ(combinations, std::size(kVersions) * 16);
+}
+
 TEST_F(Installer, AProcessWithoutABundleIdentifierGetsTheGenericSet) {
   device.startApp("");
   EXPECT_EQ(installed(), expected(1145.15, kOtherRows));

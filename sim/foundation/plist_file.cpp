@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <map>
 #include <optional>
 
@@ -12,7 +13,7 @@ namespace {
 // The parser recurses: what would exhaust the stack or the memory is found out before.
 constexpr int kDeepest = 256;
 constexpr std::size_t kLargestFile = std::size_t{64} << 20;
-constexpr std::size_t kMostObjects = 1'000'000;
+constexpr std::size_t kMostObjects = 50'000;
 
 // ---- XML
 
@@ -28,9 +29,7 @@ std::size_t skipped(const std::string& xml, std::size_t at) {
   return at;
 }
 
-// No text has a zero byte, and the parser takes one for the end of a string.
-bool xmlIsModest(const std::string& xml) {
-  if (xml.find('\0') != std::string::npos) return false;
+bool xmlIsShallow(const std::string& xml) {
   int depth = 0;
   for (std::size_t at = xml.find('<'); at != std::string::npos; at = xml.find('<', at)) {
     if (const auto behind = skipped(xml, at); behind != at) {
@@ -144,6 +143,36 @@ class BinaryPlist {
   std::map<std::uint64_t, int> heights_;
 };
 
+// A zero byte ends the texts that the parser's own functions make, so that what holds one could not
+// be written again.
+bool holdsZeroByte(plist_t node) {
+  switch (plist_get_node_type(node)) {
+    case PLIST_STRING: {
+      std::uint64_t length = 0;
+      const char* text = plist_get_string_ptr(node, &length);
+      return text && std::strlen(text) != length;
+    }
+    case PLIST_ARRAY:
+      for (std::uint32_t i = 0; i < plist_array_get_size(node); ++i)
+        if (holdsZeroByte(plist_array_get_item(node, i))) return true;
+      return false;
+    case PLIST_DICT: {
+      plist_dict_iter iterator = nullptr;
+      plist_dict_new_iter(node, &iterator);
+      bool found = false;
+      for (plist_t value = nullptr; !found;) {
+        plist_dict_next_item(node, iterator, nullptr, &value);
+        if (!value) break;
+        found = holdsZeroByte(value);
+      }
+      std::free(iterator);
+      return found;
+    }
+    default:
+      return false;
+  }
+}
+
 }  // namespace
 
 PlistNode parsePropertyList(const std::string& bytes) {
@@ -153,9 +182,11 @@ PlistNode parsePropertyList(const std::string& bytes) {
   if (bytes.starts_with("bplist")) {
     if (BinaryPlist(bytes).isModest()) plist_from_bin(bytes.data(), size, &parsed);
   } else if (bytes.find("<plist") != std::string::npos) {
-    if (xmlIsModest(bytes)) plist_from_xml(bytes.data(), size, &parsed);
+    if (xmlIsShallow(bytes)) plist_from_xml(bytes.data(), size, &parsed);
   }
-  return PlistNode(parsed);
+  PlistNode root(parsed);
+  if (root && holdsZeroByte(root.get())) root.reset();
+  return root;
 }
 
 std::string toXml(plist_t node) {

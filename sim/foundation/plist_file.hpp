@@ -12,8 +12,9 @@ struct FreePlistNode {
 };
 using PlistNode = std::unique_ptr<void, FreePlistNode>;
 
-// Null if the bytes are no property list, larger than 64 MiB, nested more than 256 deep, or (as the
-// binary form can refer to one object from many places) would grow beyond a million objects.
+// Null if the bytes are no property list, are larger than 64 MiB, nest more than 256 deep, hold a
+// text with a zero byte, or (as the binary form can refer to one object from many places) would
+// grow beyond 50,000 objects.
 PlistNode parsePropertyList(const std::string& bytes);
 
 // The XML form; empty if there is none.
