@@ -1,13 +1,16 @@
-// A device with the library's host build, for tests of what no scenario reaches.
+// A device with the library, for tests of what no scenario reaches.
 #pragma once
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "sim/core/device.hpp"
 #include "sim/foundation/string.hpp"
+#include "sim/guest/guest_library.hpp"
 #include "sim/host/host_library.hpp"
 
 namespace sim {
@@ -31,12 +34,23 @@ class Calls final : public Trace {
   bool wantsAll = false;
 };
 
+// The library that tests run: the host build, or the slice of a device binary that the environment
+// names with CORVALEN_IMAGE and CORVALEN_SLICE.
+inline std::unique_ptr<LibraryLoader> testedLibrary() {
+  const char* image = std::getenv("CORVALEN_IMAGE");
+  if (!image) return std::make_unique<HostLibraryLoader>(CORVALEN_LIBRARY);
+  const char* slice = std::getenv("CORVALEN_SLICE");
+  const bool armv7 = slice && std::string(slice) == "armv7";
+  return std::make_unique<guest::GuestLibraryLoader>(
+      image, armv7 ? guest::Slice::armv7 : guest::Slice::arm64);
+}
+
 class DeviceTest : public ::testing::Test {
  protected:
-  DeviceTest() : loader_(CORVALEN_LIBRARY), device(calls, loader_) {}
+  DeviceTest() : loader_(testedLibrary()), device(calls, *loader_) {}
 
   Calls calls;
-  HostLibraryLoader loader_;
+  std::unique_ptr<LibraryLoader> loader_;
   Device device;
 
   // SpringBoard's process, booted.

@@ -143,6 +143,24 @@ class BinaryPlist {
   std::map<std::uint64_t, int> heights_;
 };
 
+}  // namespace
+
+std::vector<plist_t> elementsOf(plist_t array) {
+  std::vector<plist_t> elements;
+  plist_array_iter iterator = nullptr;
+  plist_array_new_iter(array, &iterator);
+  for (;;) {
+    plist_t element = nullptr;
+    plist_array_next_item(array, iterator, &element);
+    if (!element) break;
+    elements.push_back(element);
+  }
+  std::free(iterator);
+  return elements;
+}
+
+namespace {
+
 // A zero byte ends the texts that the parser's own functions make, so that what holds one could not
 // be written again.
 bool holdsZeroByte(plist_t node) {
@@ -153,9 +171,7 @@ bool holdsZeroByte(plist_t node) {
       return text && std::strlen(text) != length;
     }
     case PLIST_ARRAY:
-      for (std::uint32_t i = 0; i < plist_array_get_size(node); ++i)
-        if (holdsZeroByte(plist_array_get_item(node, i))) return true;
-      return false;
+      return std::ranges::any_of(elementsOf(node), holdsZeroByte);
     case PLIST_DICT: {
       plist_dict_iter iterator = nullptr;
       plist_dict_new_iter(node, &iterator);

@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace sim {
 
@@ -16,6 +17,9 @@ using PlistNode = std::unique_ptr<void, FreePlistNode>;
 // text with a zero byte, or (as the binary form can refer to one object from many places) would
 // grow beyond 50,000 objects.
 PlistNode parsePropertyList(const std::string& bytes);
+
+// An array's elements, borrowed. By the parser's index each would be looked for from the first on.
+std::vector<plist_t> elementsOf(plist_t array);
 
 // The XML form; empty if there is none.
 std::string toXml(plist_t node);

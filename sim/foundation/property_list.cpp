@@ -34,8 +34,8 @@ Ref<NSDictionary> toDictionary(Process& process, plist_t node) {
 
 Ref<Object> toArray(Process& process, plist_t node) {
   std::vector<Ref<Object>> elements;
-  for (std::uint32_t i = 0; i < plist_array_get_size(node); ++i)
-    if (auto object = toObject(process, plist_array_get_item(node, i))) elements.push_back(object);
+  for (plist_t element : elementsOf(node))
+    if (auto object = toObject(process, element)) elements.push_back(object);
   return Ref<Object>(makeArray(process, elements).get());
 }
 
