@@ -55,6 +55,7 @@ class ACAccountStore final : public Object {
 
   Ref<NSArray> accounts(ACAccountType*) {
     std::vector<Ref<Object>> all;
+    if (!process.findClass("ACAccount")) return makeArray(process, all);
     for (const std::string& name : process.device.state.accounts)
       all.emplace_back(process.make<ACAccount>("ACAccount", name));
     return makeArray(process, all);

@@ -54,10 +54,14 @@ constexpr Excuse kExcuses[] = {
     // A file that cannot be read counts as none, and is replaced by the defaults.
     {"objc_getClass(\"NSMutableDictionary\")", rule::kOneGreeting},
     {"+[NSMutableDictionary alloc]", rule::kOneGreeting},
+    {"objc_getClass(\"NSDictionary\")", rule::kOneGreeting},
     {"+[NSDictionary dictionaryWithObjectsAndKeys:*", rule::kOneGreeting},
     {"-[NSDictionary mutableCopy]", rule::kOneGreeting},
     {"-[NSMutableDictionary initWithContentsOfFile:*", rule::kOneGreeting},
     {"-[NSMutableDictionary initWithContentsOfFile:*", rule::kSettingsKept},
+    // The file's path cannot be made.
+    {"objc_getClass(\"NSString\")", rule::kOneGreeting},
+    {"+[NSString stringWithFormat:*", rule::kOneGreeting},
 };
 
 }  // namespace

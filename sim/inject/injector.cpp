@@ -143,7 +143,8 @@ void Injector::after(Device& device) {
       dismissAlert(device, static_cast<Dismissal>(fault.number));
   device.drain();
   // Whoever starts processes starts again what died.
-  for (const std::string& process : std::exchange(killed_, {})) {
+  while (!killed_.empty()) {
+    const std::string process = killed_.extract(killed_.begin()).value();
     if (device.process(process)) continue;
     if (process == kSpringBoard)
       boot(device);
