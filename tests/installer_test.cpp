@@ -1,6 +1,8 @@
 // What every kind of process gets on every version, compared with the tables.
 #include <fmt/format.h>
 
+#include <cmath>
+
 #include "tests/device_fixture.hpp"
 
 namespace sim {
@@ -10,6 +12,7 @@ struct Row {
   const char* call;
   double from = 0;
   double below = 1e9;
+  const char* addOn = nullptr;  // whose file must be there
 };
 
 // Stated here once more, from the product's own description and not from its code.
@@ -40,6 +43,11 @@ const Row kSpringBoardRows[] = {
     {"MSHookMessageEx(MPUMediaControlsTitlesView, updateNowPlayingAppDisplayName:)", 847.24},
     {"MSHookMessageEx(SBApplication, processDidLaunch:)", 900.0},
     {"MSHookMessageEx(SBAppSwitcherModel, remove:)", 1240.1},
+    {"MSHookMessageEx(MPUSystemMediaControlsViewController, action_OpenApp)", 0, 1e9, "Acapella"},
+    {"MSHookMessageEx(MPUSystemMediaControlsViewController, action_openapp)", 0, 1e9, "Acapella2"},
+    {"MSHookMessageEx(AuxoCollectionView, activateApplicationWithDisplayIdentifier:fromCell:)", 0,
+     1e9, "Auxo"},
+    {"MSHookMessageEx(MPMiniPlayerActionsDelegate, openNowPlayingApp)", 0, 1e9, "MiniPlayer"},
     {"MSHookFunction(MRMediaRemoteSendCommand)"},
 };
 const Row kSpotifyRows[] = {
@@ -78,12 +86,25 @@ class Installer : public DeviceTest {
     return rows;
   }
   template <std::size_t Count>
-  static std::vector<std::string> expected(double version, const Row (&rows)[Count]) {
+  static std::vector<std::string> expected(double version, const Row (&rows)[Count],
+                                           const std::set<std::string>& addOns = {}) {
     std::vector<std::string> calls;
     if (version < 847.2 || version > 1280.0) return calls;
     for (const Row& row : rows)
-      if (version >= row.from && version < row.below) calls.emplace_back(row.call);
+      if (version >= row.from && version < row.below && (!row.addOn || addOns.contains(row.addOn)))
+        calls.emplace_back(row.call);
     return calls;
+  }
+  // Every version at which anything changes, and the nearest numbers on both of its sides.
+  static std::vector<double> thresholds() {
+    std::vector<double> all;
+    for (const double at : {847.2, 847.24, 900.0, 1145.15, 1240.1, 1280.0}) {
+      all.insert(all.end(), {std::nextafter(at, 0), at, std::nextafter(at, 2000)});
+    }
+    return all;
+  }
+  static bool hooks(const std::string& call, const std::string& className) {
+    return call.starts_with("MSHookMessageEx(" + className + ",");
   }
 };
 
@@ -110,32 +131,65 @@ TEST_F(Installer, EveryVersionAndKindOfProcessGetsItsRowsOfTheTables) {
   }
 }
 
-// The add-ons' rows stand before the last one, each where its library's file is there.
-TEST_F(Installer, EverySetOfAddOnsGetsItsRowsOnEveryVersion) {
-  const std::pair<const char*, const char*> rows[] = {
-      {"Acapella", "MSHookMessageEx(MPUSystemMediaControlsViewController, action_OpenApp)"},
-      {"Acapella2", "MSHookMessageEx(MPUSystemMediaControlsViewController, action_openapp)"},
-      {"Auxo",
-       "MSHookMessageEx(AuxoCollectionView, "
-       "activateApplicationWithDisplayIdentifier:fromCell:)"},
-      {"MiniPlayer", "MSHookMessageEx(MPMiniPlayerActionsDelegate, openNowPlayingApp)"},
-  };
-  std::size_t combinations = 0;
-  for (const double version : kVersions)
-    for (unsigned present = 0; present < 1u << std::size(rows); ++present, ++combinations) {
-      auto ruled = expected(version, kSpringBoardRows);
+TEST_F(Installer, EverySetOfAddOnsOnBothSidesOfEveryThresholdGetsItsRows) {
+  const std::string names[] = {"Acapella", "Acapella2", "Auxo", "MiniPlayer"};
+  for (const double version : thresholds())
+    for (unsigned set = 0; set < 1u << std::size(names); ++set) {
       device.state.addOns.clear();
-      for (std::size_t i = 0; i < std::size(rows); ++i) {
-        if ((present >> i & 1) == 0) continue;
-        device.state.addOns.insert(rows[i].first);
-        if (!ruled.empty()) ruled.insert(ruled.end() - 1, rows[i].second);
-      }
+      for (std::size_t i = 0; i < std::size(names); ++i)
+        if (set >> i & 1) device.state.addOns.insert(names[i]);
       device.setVersion(version);
       calls.all.clear();
       device.bootSpringBoard();
-      ASSERT_EQ(installed(), ruled) << version << ", add-ons " << present;
+      EXPECT_EQ(installed(), expected(version, kSpringBoardRows, device.state.addOns))
+          << fmt::format("{:.17g}, add-ons {}", version, fmt::join(device.state.addOns, " "));
+      device.drain();
     }
-  EXPECT_EQ(combinations, std::size(kVersions) * 16);
+}
+
+// Add-ons and the neighbours of the names change nothing outside of SpringBoard.
+TEST_F(Installer, EveryKindOfAppOnBothSidesOfEveryThresholdGetsItsRows) {
+  device.state.addOns = {"Acapella", "Acapella2", "Auxo", "MiniPlayer"};
+  for (const double version : thresholds()) {
+    device.setVersion(version);
+    const auto check = [&](const std::string& id, const std::vector<std::string>& rows) {
+      calls.all.clear();
+      device.startApp(id);
+      EXPECT_EQ(installed(), rows) << fmt::format("'{}' {:.17g}", id, version);
+      device.endProcess(*device.process(id));
+      device.drain();
+    };
+    check(kSpotify, expected(version, kSpotifyRows));
+    check(kPodcasts, expected(version, kPodcastsRows));
+    check(kGarmin, expected(version, kGarminRows));
+    for (const char* id : {"", "com.apple.Springboard", "com.apple.springboard2", "com.apple",
+                           "com.Spotify.client", "com.spotify.client.widget", "com.apple.Podcasts",
+                           "com.garmin.connect", "com.apple.Music", "BTLEServer"})
+      check(id, expected(version, kOtherRows));
+  }
+}
+
+// A class that is not there is hooked as nil, and the rest goes on.
+TEST_F(Installer, AnyOneClassMissingLeavesTheOtherRowsAsTheyAre) {
+  device.state.addOns = {"Acapella", "Acapella2", "Auxo", "MiniPlayer"};
+  for (const std::string missing :
+       {"SpringBoard", "MPUSystemMediaControlsViewController", "SBIconController",
+        "SBMediaController", "SBLockScreenViewController", "SBLockScreenScrollView",
+        "SBAppSuggestionManager", "SBAppSliderController", "SBAppSwitcherModel",
+        "MPUMediaControlsTitlesView", "SBApplication", "AuxoCollectionView",
+        "MPMiniPlayerActionsDelegate"})
+    for (const double version : {847.2, 847.24, 900.0, 1240.1, 1280.0}) {
+      device.state.missingClasses = {missing};
+      device.setVersion(version);
+      auto rows = expected(version, kSpringBoardRows, device.state.addOns);
+      for (std::string& row : rows)
+        if (hooks(row, missing))
+          row.replace(std::string("MSHookMessageEx(").size(), missing.size(), "nil");
+      calls.all.clear();
+      device.bootSpringBoard();
+      EXPECT_EQ(installed(), rows) << missing << " missing on " << version;
+      device.drain();
+    }
 }
 
 TEST_F(Installer, AProcessWithoutABundleIdentifierGetsTheGenericSet) {
