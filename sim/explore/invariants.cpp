@@ -146,7 +146,7 @@ std::optional<Violation> Invariants::onlyListedApps(const Words& words) {
 
 std::optional<Violation> Invariants::passedOnOnce(const Words& words) {
   Device& device = session_.device();
-  const auto stock = stockCall(words, device.state.version);
+  const auto stock = stockCall(words, device);
   if (!stock) return std::nullopt;
   Process* process = device.process(stock->process);
   if (!process || !process->findClass(stock->cls)) return std::nullopt;

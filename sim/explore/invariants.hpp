@@ -80,6 +80,6 @@ struct StockCall {
   std::string process = kSpringBoard;
 };
 // Nothing if the command makes none.
-std::optional<StockCall> stockCall(const std::vector<std::string>& words, double version);
+std::optional<StockCall> stockCall(const std::vector<std::string>& words, Device& device);
 
 }  // namespace sim::explore

@@ -1,6 +1,8 @@
 // Which call of the platform's each command makes, as the trace shows it.
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "sim/explore/invariants.hpp"
 
 namespace sim::explore {
@@ -8,6 +10,12 @@ namespace sim::explore {
 namespace {
 
 using Words = std::vector<std::string>;
+
+// An object of SpringBoard's class as the platform passes it; nil where the class is missing.
+std::string passed(Device& device, const std::string& cls) {
+  Process* board = device.springBoard();
+  return board && board->findClass(cls) ? "<" + cls + ">" : "nil";
+}
 
 std::string upper(const std::string& yesNo) { return yesNo == "yes" ? "YES" : "NO"; }
 
@@ -19,14 +27,20 @@ std::optional<StockCall> titleView(const Words& words) {
   return StockCall{cls, "-[" + cls + " updateNowPlayingAppDisplayName:*]"};
 }
 
-std::optional<StockCall> quitCard(double version) {
-  if (version < 900.0)
-    return StockCall{"SBAppSliderController", "-[SBAppSliderController _quitAppAtIndex:*]"};
+std::optional<StockCall> quitCard(const Words& words, Device& device) {
+  const double version = device.state.version;
+  if (version < 900.0) {
+    const auto& apps = device.state.apps;
+    const auto index = std::ranges::find(apps, words[1], &App::identifier) - apps.begin();
+    return StockCall{"SBAppSliderController",
+                     fmt::format("-[SBAppSliderController _quitAppAtIndex:{}]", index)};
+  }
   const std::string selector = version < 1240.1 ? "removeDisplayItem:" : "remove:";
-  return StockCall{"SBAppSwitcherModel", "-[SBAppSwitcherModel " + selector + "*]"};
+  return StockCall{"SBAppSwitcherModel",
+                   "-[SBAppSwitcherModel " + selector + passed(device, "SBDisplayItem") + "]"};
 }
 
-std::optional<StockCall> widget(const Words& words) {
+std::optional<StockCall> widget(const Words& words, Device& device) {
   const std::string controls = "MPUSystemMediaControlsViewController";
   if (words[1] == "Acapella")
     return StockCall{controls, "-[" + controls + " action_OpenApp]", PassedOn::OnceOrNever};
@@ -39,7 +53,7 @@ std::optional<StockCall> widget(const Words& words) {
       "AuxoCollectionView",
       fmt::format("-[AuxoCollectionView activateApplicationWithDisplayIdentifier:\"{}\" "
                   "fromCell:{}]",
-                  words[2], words[3] == "cell" ? "<AuxoCell>" : "nil"),
+                  words[2], words[3] == "cell" ? passed(device, "AuxoCell") : "nil"),
       PassedOn::OnceOrNever};
 }
 
@@ -60,17 +74,23 @@ std::optional<StockCall> watch(const Words& words) {
 
 }  // namespace
 
-std::optional<StockCall> stockCall(const Words& words, double version) {
+std::optional<StockCall> stockCall(const Words& words, Device& device) {
   const std::string& name = words[0];
   const std::string controls = "MPUSystemMediaControlsViewController";
   if (name == "tap-transport")
-    return StockCall{
-        controls, "-[" + controls + " transportControlsView:* tapOnControlType:" + words[1] + "]",
-        PassedOn::OnceOrNever};
-  if (name == "tap-title")
-    return StockCall{controls, "-[" + controls + " mediaControlsTitlesViewWasTapped:*]",
+    return StockCall{controls,
+                     "-[" + controls +
+                         " transportControlsView:" + passed(device, "MPUTransportControlsView") +
+                         " tapOnControlType:" + words[1] + "]",
                      PassedOn::OnceOrNever};
-  if (name == "tap-icon") return StockCall{"SBIconController", "-[SBIconController _launchIcon:*]"};
+  if (name == "tap-title")
+    return StockCall{controls,
+                     "-[" + controls + " mediaControlsTitlesViewWasTapped:" +
+                         passed(device, "MPUMediaControlsTitlesView") + "]",
+                     PassedOn::OnceOrNever};
+  if (name == "tap-icon")
+    return StockCall{"SBIconController",
+                     "-[SBIconController _launchIcon:" + passed(device, "SBApplicationIcon") + "]"};
   if (name == "open")
     return StockCall{
         "SpringBoard",
@@ -85,8 +105,8 @@ std::optional<StockCall> stockCall(const Words& words, double version) {
     return StockCall{"SBLockScreenScrollView",
                      "-[SBLockScreenScrollView touchesShouldCancelInContentView:<UIView>]"};
   if (name == "title-view") return titleView(words);
-  if (name == "quit-card") return quitCard(version);
-  if (name == "widget") return widget(words);
+  if (name == "quit-card") return quitCard(words, device);
+  if (name == "widget") return widget(words, device);
   if (name == "watch") return watch(words);
   if (name == "unlock" || name == "display-off" || name == "passcode") return lockScreen(words);
   return std::nullopt;
