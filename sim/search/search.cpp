@@ -2,15 +2,13 @@
 
 #include <fmt/format.h>
 #include <poll.h>
-#include <unistd.h>
 
 #include <chrono>
-#include <cstdlib>
-#include <filesystem>
 #include <list>
 #include <memory>
 
 #include "sim/search/child.hpp"
+#include "sim/search/workspace.hpp"
 
 namespace sim::search {
 
@@ -19,38 +17,6 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::size_t kEnough = 40;  // findings after which a search stops
-
-// Where all files of a search go, also those of jobs that died.
-class Workspace {
- public:
-  Workspace() {
-    std::string pattern = (home() / "corvalen-XXXXXX").string();
-    if (!mkdtemp(pattern.data())) throw std::runtime_error("cannot make " + pattern);
-    folder_ = pattern;
-    if (const char* before = getenv("TMPDIR")) before_ = before;
-    setenv("TMPDIR", folder_.c_str(), 1);
-  }
-  ~Workspace() {
-    std::error_code ignored;
-    std::filesystem::remove_all(folder_, ignored);
-    if (before_)
-      setenv("TMPDIR", before_->c_str(), 1);
-    else
-      unsetenv("TMPDIR");
-  }
-  Workspace(const Workspace&) = delete;
-  Workspace& operator=(const Workspace&) = delete;
-
- private:
-  // In memory where there is such a place: a device makes and renames many small files.
-  static std::filesystem::path home() {
-    const std::filesystem::path memory = "/dev/shm";
-    if (!getenv("TMPDIR") && access(memory.c_str(), W_OK) == 0) return memory;
-    return std::filesystem::temp_directory_path();
-  }
-  std::filesystem::path folder_;
-  std::optional<std::string> before_;
-};
 
 // One job does every so many-th piece. It tells "S<number>" before each, "F<finding>", and
 // "D<commands>" behind it.

@@ -1,7 +1,5 @@
 // Hostile settings: whatever the settings file holds, SpringBoard, the players and an ordinary app
 // start with it, Play is pressed, and nothing that must always hold is broken.
-#include <unistd.h>
-
 #include <cstdlib>
 #include <cstring>
 #include <iostream>
@@ -13,6 +11,7 @@
 #include "sim/host/host_library.hpp"
 #include "sim/platform/device_actions.hpp"
 #include "sim/scenario/settings_file.hpp"
+#include "sim/search/workspace.hpp"
 
 extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t most);
 
@@ -152,9 +151,8 @@ extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t s
   return file.size();
 }
 
-// Devices make many small files: in memory, where there is such a place.
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
-  if (!getenv("TMPDIR") && access("/dev/shm", W_OK) == 0) setenv("TMPDIR", "/dev/shm", 1);
+  setenv("TMPDIR", search::temporaryFolder().c_str(), 1);
   return 0;
 }
 
