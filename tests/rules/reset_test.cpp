@@ -259,7 +259,8 @@ class ResetRule : public RuleTest {
 
 TEST_F(ResetRule, HoldsForEveryEventAndEverythingThatCanBeRemembered) {
   const auto events = allEvents();
-  for (const double version : {847.2, 899.999999999999, 900.0, 1145.15, 1240.1, 1280.0}) {
+  // One for each way of the app switcher and each number of the play control.
+  for (const double version : {847.2, 900.0, 1145.15, 1240.1}) {
     bootAt(version);
     for (unsigned bits = 0; bits < 1u << 3; ++bits)
       for (const Held held : {Held::Nothing, Held::Music, Held::Spotify})

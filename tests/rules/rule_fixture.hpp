@@ -174,8 +174,12 @@ class RuleTest : public DeviceTest {
            "\" suspended:" + (suspended ? "YES]" : "NO]");
   }
   static std::string postCall(const std::string& name) { return "notify_post(\"" + name + "\")"; }
+  // A class, and the app that its object belongs to.
+  static std::string owned(const std::string& className, const std::string& app) {
+    return app.empty() ? className : className + "(" + app + ")";
+  }
   static std::string sceneCall(const std::string& app, bool backgrounded) {
-    return "-[FBScene(" + app + ") _applyMutableSettings:<backgrounded " +
+    return "-[" + owned("FBScene", app) + " _applyMutableSettings:<backgrounded " +
            (backgrounded ? "YES>" : "NO>") + " withTransitionContext:nil completion:nil]";
   }
   static std::string transportCall(long type) {
