@@ -76,14 +76,15 @@ std::optional<std::string> readScenario(const std::string& file) {
   return text.str();
 }
 
+std::string shownName(const std::string& file) { return file == "-" ? "standard input" : file; }
+
 int run(const CommandLine& line) {
   int worst = 0;
   const auto loader = makeLoader(line);
   for (const std::string& file : line.files) {
     Status status = Status::Wrong;
     if (const auto text = readScenario(file))
-      status = runScenario(file == "-" ? "standard input" : file, *text, *loader, line.options(),
-                           std::cout, std::cerr);
+      status = runScenario(shownName(file), *text, *loader, line.options(), std::cout, std::cerr);
     else
       std::cerr << file << ": cannot be read\n";
     std::cout.flush();
@@ -111,8 +112,8 @@ int injectFaults(const CommandLine& line) {
   inject::Campaign campaign;
   campaign.makeLoader = [&line] { return makeLoader(line); };
   for (const std::string& file : line.files)
-    campaign.tours.push_back(parseScript(file, readOrThrow(file)));
-  campaign.checkUp = parseScript(line.checkUp, readOrThrow(line.checkUp));
+    campaign.tours.push_back(parseScript(shownName(file), readOrThrow(file)));
+  campaign.checkUp = parseScript(shownName(line.checkUp), readOrThrow(line.checkUp));
   return inject::inject(campaign, line.injecting, line.search, std::cout, std::cerr) ? 1 : 0;
 }
 

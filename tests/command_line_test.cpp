@@ -63,6 +63,43 @@ TEST(CommandLine, WhatCannotBeDoneStopsTheScenarioAfterItsEcho) {
   EXPECT_EQ(result.output.find("> locked no"), std::string::npos);
 }
 
+TEST(CommandLine, ExploringSaysWhatItTriedAndThatNothingWasFound) {
+  const Finished result = run("explore --seed 3 --count 4 --jobs 2");
+  EXPECT_EQ(result.status, 0) << result.output;
+  EXPECT_TRUE(result.output.starts_with("4 scenarios, ")) << result.output;
+  EXPECT_NE(result.output.find(" commands, 0 findings, "), std::string::npos) << result.output;
+}
+
+TEST(CommandLine, ExploringRefusesNumbersThatAreNone) {
+  for (const char* wrong : {"--count 0", "--count -1", "--seed x", "--jobs 0", "--minutes -2",
+                            "--image /nonexistent.dylib", "surplus"})
+    EXPECT_EQ(run(std::string("explore ") + wrong).status, 2) << wrong;
+}
+
+TEST(CommandLine, InjectingNeedsToursThatCanBeReadAndACheckUp) {
+  const std::string tours = std::string(CORVALEN_SOURCE_DIR) + "/scenarios/tours/";
+  const std::string checkUp = "--check-up " + tours + "check-up.txt ";
+  EXPECT_EQ(run("inject " + tours + "ios7.txt").status, 2);
+  EXPECT_EQ(run("inject " + checkUp).status, 2);
+  EXPECT_EQ(run("inject " + checkUp + "/nonexistent.txt").output,
+            "corvalen-sim: /nonexistent.txt: cannot be read\n");
+  const Finished wrong = run("inject " + checkUp + "-", "boot\nfly\n");
+  EXPECT_EQ(wrong.status, 2);
+  EXPECT_EQ(wrong.output, "corvalen-sim: standard input:2: unknown command fly\n");
+}
+
+// A check-up that cannot hold is a finding with the fault, the file and the line.
+TEST(CommandLine, InjectingNamesTheFaultAndWhatDidNotHold) {
+  const auto checkUp =
+      std::filesystem::temp_directory_path() / ("corvalen-check-" + std::to_string(::getpid()));
+  std::ofstream(checkUp) << "boot\nexpect-nothing\n";
+  const Finished result = run("inject --count 1 --check-up " + checkUp.string() + " -", "boot\n");
+  std::filesystem::remove(checkUp);
+  EXPECT_EQ(result.status, 1);
+  EXPECT_NE(result.output.find("standard input: when "), std::string::npos) << result.output;
+  EXPECT_NE(result.output.find(checkUp.string() + ":2: expect-nothing"), std::string::npos);
+}
+
 TEST(CommandLine, AFileThatCannotBeReadIsStatusTwo) {
   EXPECT_EQ(run("run /nonexistent/story.txt").status, 2);
   EXPECT_EQ(run("run /tmp").status, 2);
