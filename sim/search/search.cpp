@@ -45,10 +45,11 @@ class Running {
       std::vector<pollfd> waiting;
       for (const Job& job : jobs_) waiting.push_back({job.child->descriptor(), POLLIN, 0});
       poll(waiting.data(), waiting.size(), 1000);
-      std::size_t index = 0;
-      for (auto job = jobs_.begin(); job != jobs_.end(); ++index) {
+      // A job that ends leaves the list, and one that takes its place joins it at the end.
+      auto job = jobs_.begin();
+      for (const pollfd& one : waiting) {
         const auto here = job++;
-        if (waiting[index].revents != 0) listen(here);
+        if (one.revents != 0) listen(here);
       }
       showProgress(false);
     }
