@@ -51,25 +51,32 @@ TEST(PropertyList, CannotHideItsDepthInComments) {
   EXPECT_FALSE(parsePropertyList(nested(100000, "<![CDATA[</array>]]>")));
 }
 
-// A binary file of arrays, each of which holds the next one so many times.
-std::string chain(unsigned length, unsigned times) {
+// A binary file of these objects, which refer to each other by two bytes.
+std::string binary(const std::vector<std::string>& objects) {
   std::string bytes = "bplist00";
   std::string offsets;
-  const auto add = [&](const std::string& object) {
+  for (const std::string& object : objects) {
     offsets += {static_cast<char>(bytes.size() >> 8), static_cast<char>(bytes.size())};
     bytes += object;
-  };
-  const auto reference = [](unsigned object) {
-    return std::string{static_cast<char>(object >> 8), static_cast<char>(object)};
-  };
-  for (unsigned i = 0; i < length; ++i)
-    add(static_cast<char>(0xa0 | times) + repeated(reference(i + 1), times));
-  add("\x09");
-  const auto table = bytes.size();
+  }
+  const std::uint64_t table = bytes.size();
   bytes += offsets + std::string(6, '\0') + "\x02\x02";
-  for (const std::uint64_t number : {std::uint64_t{length} + 1, std::uint64_t{0}, table})
+  for (const std::uint64_t number : {std::uint64_t{objects.size()}, std::uint64_t{0}, table})
     for (int shift = 56; shift >= 0; shift -= 8) bytes += static_cast<char>(number >> shift);
   return bytes;
+}
+
+std::string reference(std::size_t object) {
+  return {static_cast<char>(object >> 8), static_cast<char>(object)};
+}
+
+// A binary file of arrays, each of which holds the next one so many times.
+std::string chain(std::size_t length, unsigned times) {
+  std::vector<std::string> objects;
+  for (std::size_t i = 0; i < length; ++i)
+    objects.push_back(static_cast<char>(0xa0 | times) + repeated(reference(i + 1), times));
+  objects.emplace_back("\x09");
+  return binary(objects);
 }
 
 TEST(PropertyList, MayReferToOneObjectFromManyPlaces) {
@@ -87,6 +94,19 @@ TEST(PropertyList, IsUnreadableIfItsBinaryFormNestsTooDeep) {
   EXPECT_TRUE(parsePropertyList(chain(200, 1)));
   EXPECT_FALSE(parsePropertyList(chain(300, 1)));
   EXPECT_FALSE(parsePropertyList(chain(10000, 1)));
+}
+
+TEST(PropertyList, HoldsTheLastOfTwoValuesUnderOneKeyInBothForms) {
+  const std::string one = toXml(parsePropertyList(xml("<dict><key>k</key><true/></dict>")).get());
+  const auto written =
+      parsePropertyList(xml("<dict><key>k</key><false/><key>k</key><true/></dict>"));
+  ASSERT_TRUE(written);
+  EXPECT_EQ(toXml(written.get()), one);
+  const auto packed =
+      parsePropertyList(binary({"\xd2" + reference(1) + reference(1) + reference(2) + reference(3),
+                                "\x51k", "\x08", "\x09"}));
+  ASSERT_TRUE(packed);
+  EXPECT_EQ(toXml(packed.get()), one);
 }
 
 TEST(PropertyList, IsUnreadableIfATextHoldsAZeroByte) {

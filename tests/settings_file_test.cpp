@@ -1,6 +1,10 @@
 // What the settings file holds after the library has written it.
+#include "sim/scenario/settings_file.hpp"
+
 #include <fstream>
 
+#include "sim/foundation/plist_file.hpp"
+#include "sim/platform/device_actions.hpp"
 #include "tests/device_fixture.hpp"
 
 namespace sim {
@@ -29,6 +33,58 @@ TEST_F(SettingsFile, IsMadeWithExactlySevenSwitchesThatAreOff) {
     EXPECT_EQ(count(file, std::string("<key>") + key + "</key>"), 1u) << key;
   EXPECT_EQ(count(file, "<key>"), 7u);
   EXPECT_EQ(count(file, "<false/>"), 7u);
+}
+
+// What an archive refers to its objects by is a dictionary in the file's other form.
+TEST_F(SettingsFile, KeepsWhatBelongsIntoAnArchive) {
+  const PlistNode root(plist_new_dict());
+  plist_t inside = plist_new_array();
+  plist_array_append_item(inside, plist_new_uid(3506441472));
+  plist_dict_set_item(root.get(), "reference", inside);
+  char* bytes = nullptr;
+  std::uint32_t length = 0;
+  plist_to_bin(root.get(), &bytes, &length);
+  scenario::writeSettings(device, std::string(bytes, length));
+  std::free(bytes);
+  const auto before = scenario::readSettings(device);
+  booted();
+  unlock(device);
+  device.drain();
+  const auto after = scenario::readSettings(device);
+  ASSERT_TRUE(before && after);
+  EXPECT_EQ(after->at("reference"), before->at("reference"));
+  EXPECT_NE(after->at("reference").find("3506441472"), std::string::npos);
+}
+
+// Values that no switch and no text can have, alone and inside of others, outlive a greeting.
+TEST_F(SettingsFile, KeepsValuesOfEveryTypeAsTheyWere) {
+  const PlistNode root(plist_new_dict());
+  const auto add = [&](const char* key, plist_t value) {
+    plist_t inside = plist_new_array();
+    plist_array_append_item(inside, plist_copy(value));
+    plist_dict_set_item(root.get(), (std::string("in ") + key).c_str(), inside);
+    plist_dict_set_item(root.get(), key, value);
+  };
+  add("truth", plist_new_bool(1));
+  add("number", plist_new_uint(~std::uint64_t{0}));
+  add("real", plist_new_real(0.1));
+  add("text", plist_new_string("<&\"caf\u00e9\n"));
+  add("data", plist_new_data("\0\x01", 2));
+  add("date", plist_new_date(-1, 0));
+  add("array", plist_new_array());
+  add("dictionary", plist_new_dict());
+  std::string xml = toXml(root.get());
+  const std::string soon = "2000-12-31";
+  xml.replace(xml.find(soon), soon.size(), "1066-10-14");
+  scenario::writeSettings(device, xml);
+  auto before = scenario::readSettings(device);
+  booted();
+  unlock(device);
+  device.drain();
+  auto after = scenario::readSettings(device);
+  ASSERT_TRUE(before && after);
+  EXPECT_EQ(after->erase("feo63OPBmERAd2000UpdRdCAND"), 1u);
+  EXPECT_EQ(*after, *before);
 }
 
 TEST_F(SettingsFile, LeavesNoAuxiliaryFileBehind) {

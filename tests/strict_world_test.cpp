@@ -96,6 +96,18 @@ TEST_F(StrictWorld, ACrashedProcessLeavesTheOthersAlone) {
   EXPECT_NE(device.springBoard(), nullptr);
 }
 
+// Under the address sanitizer: what the work holds belongs to the process.
+TEST_F(StrictWorld, WorkThatItsProcessDiesOfIsLetGoOfBeforeTheProcess) {
+  Process& board = booted();
+  device.enqueue(&board, [&board, held = makeString(board, "held by the work")] {
+    board.device.callback(board, [] { throw Fault("a mistake"); });
+  });
+  device.drain();
+  EXPECT_EQ(device.springBoard(), nullptr);
+  device.bootSpringBoard();
+  EXPECT_NE(device.springBoard(), nullptr);
+}
+
 // BOOL taken for 32 bits would show here first.
 TEST_F(StrictWorld, AddedMethodsHaveTheTypesThatThePlatformDeclares) {
   const std::string selector = "alertViewShouldEnableFirstOtherButton:";

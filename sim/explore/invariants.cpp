@@ -210,7 +210,10 @@ std::optional<Violation> Invariants::settingsKept(const Words& words) {
     // The markers count by their presence, and their values are the library's to set.
     const bool marker = std::ranges::find(kMarkers, key) != kMarkers.end();
     if (there && (marker || settings_->at(key) == value)) continue;
-    return Violation{{}, key + " is gone or another", {}};
+    return Violation{
+        {},
+        fmt::format("{} was {} and is {}", key, value, there ? settings_->at(key) : "gone"),
+        {}};
   }
   if (count("-[NSMutableDictionary initWithContentsOfFile:*", kSpringBoard) > 0)
     announced_ = settings_.value_or(std::map<std::string, std::string>{});

@@ -12,15 +12,15 @@ bool NSData::equals(const Object& other) const {
 
 bool NSDate::equals(const Object& other) const {
   const auto* date = dynamic_cast<const NSDate*>(&other);
-  return date && date->seconds == seconds;
+  return date && toXml(date->node.get()) == toXml(node.get());
 }
 
 Ref<NSData> makeData(Process& process, std::string bytes) {
   return process.make<NSData>("NSData", std::move(bytes));
 }
 
-Ref<NSDate> makeDate(Process& process, std::int32_t seconds) {
-  return process.make<NSDate>("NSDate", seconds);
+Ref<NSDate> makeDate(Process& process, plist_t date) {
+  return process.make<NSDate>("NSDate", date);
 }
 
 ClassDefinition defineNSData() {

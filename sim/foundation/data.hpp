@@ -1,6 +1,7 @@
 // NSData and NSDate, which settings files may hold.
 #pragma once
 #include "sim/core/process.hpp"
+#include "sim/foundation/plist_file.hpp"
 
 namespace sim {
 
@@ -11,14 +12,15 @@ class NSData final : public Object {
   const std::string bytes;
 };
 
+// Nobody looks into dates: they stay as the file has them, whatever year that is.
 class NSDate final : public Object {
  public:
-  NSDate(Process& process, std::int32_t reference) : Object(process), seconds(reference) {}
+  NSDate(Process& process, plist_t date) : Object(process), node(plist_copy(date)) {}
   bool equals(const Object& other) const override;
-  const std::int32_t seconds;  // since 2001
+  const PlistNode node;
 };
 
 Ref<NSData> makeData(Process& process, std::string bytes);
-Ref<NSDate> makeDate(Process& process, std::int32_t seconds);
+Ref<NSDate> makeDate(Process& process, plist_t date);
 
 }  // namespace sim

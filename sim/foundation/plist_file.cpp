@@ -195,14 +195,17 @@ PlistNode parsePropertyList(const std::string& bytes) {
   if (bytes.size() > kLargestFile) return {};
   plist_t parsed = nullptr;
   const auto size = static_cast<std::uint32_t>(bytes.size());
-  if (bytes.starts_with("bplist")) {
-    if (BinaryPlist(bytes).isModest()) plist_from_bin(bytes.data(), size, &parsed);
+  const bool binary = bytes.starts_with("bplist");
+  if (binary) {
+    if (!BinaryPlist(bytes).isModest()) return {};
+    plist_from_bin(bytes.data(), size, &parsed);
   } else if (bytes.find("<plist") != std::string::npos) {
     if (xmlIsShallow(bytes)) plist_from_xml(bytes.data(), size, &parsed);
   }
   PlistNode root(parsed);
   if (root && holdsZeroByte(root.get())) root.reset();
-  return root;
+  // The binary form can hold a key twice, and objects of archives: as XML it cannot.
+  return root && binary ? parsePropertyList(toXml(root.get())) : std::move(root);
 }
 
 std::string toXml(plist_t node) {

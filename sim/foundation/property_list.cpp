@@ -70,12 +70,8 @@ Ref<Object> toObject(Process& process, plist_t node) {
       const char* bytes = plist_get_data_ptr(node, &length);
       return makeData(process, bytes ? std::string(bytes, length) : std::string());
     }
-    case PLIST_DATE: {
-      std::int32_t seconds = 0;
-      std::int32_t microseconds = 0;
-      plist_get_date_val(node, &seconds, &microseconds);
-      return makeDate(process, seconds);
-    }
+    case PLIST_DATE:
+      return makeDate(process, node);
     default:
       return {};
   }
@@ -95,7 +91,7 @@ PlistNode toNode(const Object& object) {
   if (const auto* data = dynamic_cast<const NSData*>(&object))
     return PlistNode(plist_new_data(data->bytes.data(), data->bytes.size()));
   if (const auto* date = dynamic_cast<const NSDate*>(&object))
-    return PlistNode(plist_new_date(date->seconds, 0));
+    return PlistNode(plist_copy(date->node.get()));
   if (const auto* array = dynamic_cast<const NSArray*>(&object)) {
     PlistNode node(plist_new_array());
     for (std::size_t i = 0; i < array->size(); ++i) {
