@@ -39,17 +39,17 @@ class Stage {
 
 }  // namespace
 
-Playback play(LibraryLoader& loader, const Lines& lines) {
+Playback play(LibraryLoader& loader, const Lines& lines, OutOfPlace outOfPlace) {
   Stage stage(loader);
   Playback playback;
-  try {
-    for (const std::string& line : lines) {
+  for (const std::string& line : lines) {
+    try {
       playback.violation = stage.play(line);
-      if (playback.violation) break;
-      ++playback.line;
+    } catch (const ActionError&) {
+      if (outOfPlace == OutOfPlace::Ends) break;
     }
-  } catch (const ActionError&) {
-    playback.violation.reset();
+    if (playback.violation) break;
+    ++playback.line;
   }
   playback.trace = stage.trace();
   return playback;

@@ -15,9 +15,12 @@ struct Playback {
   std::size_t line = 0;  // after which it was found
 };
 
-// Plays the lines on a fresh device, up to the first broken invariant. A command that the device
-// is in no state for ends the playback without one: `lines` is then no valid scenario.
-Playback play(LibraryLoader& loader, const Lines& lines);
+// Whether a command that the device is in no state for ends a playback, as it makes no valid
+// scenario, or is left out.
+enum class OutOfPlace : std::uint8_t { Ends, LeftOut };
+
+// Plays the lines on a fresh device, up to the first broken invariant.
+Playback play(LibraryLoader& loader, const Lines& lines, OutOfPlace outOfPlace = OutOfPlace::Ends);
 
 // Draws a scenario into `lines` as it plays it: commands that the device is in no state for are
 // left out. `drawn` is told of the lines before the last of them is played.

@@ -1,0 +1,18 @@
+// Settings files that nobody should have, and what is done on a device that has one.
+#pragma once
+#include <string>
+
+#include "sim/explore/playback.hpp"
+#include "sim/search/random.hpp"
+
+namespace sim::explore {
+
+// SpringBoard, the players and an ordinary app start with a settings file of these bytes, Play is
+// pressed everywhere, the greeting is answered.
+Lines scenarioOn(const std::string& settings);
+
+// A property list with some of its keys given values of other types, nested, huge or none. What is
+// no property list is replaced by one.
+std::string mutatedSettings(const std::string& settings, search::Random& random);
+
+}  // namespace sim::explore
