@@ -93,13 +93,19 @@ int run(const CommandLine& line) {
   return worst;
 }
 
-void addSearchOptions(CLI::App& command, CommandLine& line) {
-  command.add_option("--seed", line.search.first, "of the first scenario; the next count up");
-  command.add_option("--count", line.search.count, "how many scenarios")
+// How much is tried.
+void addLimits(CLI::App& command, CommandLine& line) {
+  command
+      .add_option("--count", line.search.count, "how many to try; otherwise 1000, or every fault")
       ->check(CLI::Range(1, 1000000000));
   command.add_option("--jobs", line.search.jobs, "how many at a time")->check(CLI::Range(1, 256));
   command.add_option("--minutes", line.search.minutes, "stop after that long")
       ->check(CLI::PositiveNumber);
+}
+
+void addExploreOptions(CLI::App& command, CommandLine& line) {
+  command.add_option("--seed", line.search.first, "of the first scenario; the next count up");
+  addLimits(command, line);
   command.add_option("--image", line.image, "compare this device binary's slices too");
 }
 
@@ -120,11 +126,7 @@ int injectFaults(const CommandLine& line) {
 void addInjectOptions(CLI::App& command, CommandLine& line) {
   command.add_flag("--pairs", line.injecting.pairs, "any two faults together, not each alone");
   command.add_option("--seed", line.injecting.seed, "mixes the order");
-  command.add_option("--count", line.search.count, "at most so many trials")
-      ->check(CLI::Range(1, 1000000000));
-  command.add_option("--jobs", line.search.jobs, "how many at a time")->check(CLI::Range(1, 256));
-  command.add_option("--minutes", line.search.minutes, "stop after that long")
-      ->check(CLI::PositiveNumber);
+  addLimits(command, line);
   command.add_option("--image", line.image, "run this device binary in place of the host build");
   command.add_option("--slice", line.slice, "which of the binary's slices")
       ->check(CLI::IsMember({"arm64", "armv7"}));
@@ -163,7 +165,7 @@ int main(int count, char** words) {
   benchCommand->add_option("--image", line.image, "the device binary")->required();
   CLI::App* exploreCommand =
       app.add_subcommand("explore", "search for scenarios that break what must always hold");
-  addSearchOptions(*exploreCommand, line);
+  addExploreOptions(*exploreCommand, line);
   CLI::App* injectCommand =
       app.add_subcommand("inject", "play scenarios with everything failing that can");
   addInjectOptions(*injectCommand, line);
