@@ -1,6 +1,8 @@
-// Twitter accounts and signed requests: Accounts and Social, loaded at first use.
+// Twitter accounts and signed requests: Accounts and Social, loaded before anything of them is
+// looked up, as SpringBoard has them only once somebody needed them.
 #pragma once
 #include "platform/foundation.hpp"
+#include "platform/framework.hpp"
 
 namespace platform {
 
@@ -13,7 +15,7 @@ struct ACAccount : Object {
 struct ACAccountStore : Object {
   static Retained<ACAccountStore> make() {
     return Retained<ACAccountStore>::adopt(
-        send<"new", ACAccountStore>(classNamed<"ACAccountStore">()));
+        send<"new", ACAccountStore>(classIn<"ACAccountStore">(framework::kAccounts)));
   }
   ACAccountType accountTypeWithIdentifier(NSString identifier) const {
     return send<"accountTypeWithAccountTypeIdentifier:", ACAccountType>(*this, identifier);
@@ -31,7 +33,7 @@ struct SLRequest : Object {
   // Autoreleased.
   static SLRequest request(NSString service, NSInteger method, NSURL url, NSDictionary parameters) {
     return send<"requestForServiceType:requestMethod:URL:parameters:", SLRequest>(
-        classNamed<"SLRequest">(), service, method, url, parameters);
+        classIn<"SLRequest">(framework::kSocial), service, method, url, parameters);
   }
   void setAccount(ACAccount account) const { send<"setAccount:">(*this, account); }
   // `handler` is a block (NSData*, NSHTTPURLResponse*, NSError*).
@@ -39,22 +41,12 @@ struct SLRequest : Object {
 };
 inline constexpr NSInteger kRequestMethodPost = 1;
 
-// A string constant that a framework exports; nil where the framework cannot be loaded.
-template <Literal Framework, Literal Symbol>
-NSString frameworkString() {
-  void* const image = dlopen(kText<Framework>.text, kLoadLazily);
-  auto* const variable =
-      static_cast<const id*>(dlsym(image ? image : everyImage(), kText<Symbol>.text));
-  return view<NSString>(variable ? *variable : nullptr);
-}
-
+// Constants; nil where the framework cannot be loaded.
 inline NSString twitterAccountType() {
-  return frameworkString<"/System/Library/Frameworks/Accounts.framework/Accounts",
-                         "ACAccountTypeIdentifierTwitter">();
+  return constantIn<NSString>(framework::kAccounts, "ACAccountTypeIdentifierTwitter");
 }
 inline NSString twitterService() {
-  return frameworkString<"/System/Library/Frameworks/Social.framework/Social",
-                         "SLServiceTypeTwitter">();
+  return constantIn<NSString>(framework::kSocial, "SLServiceTypeTwitter");
 }
 
 }  // namespace platform

@@ -31,6 +31,15 @@ Class object_getClass(id object) PLATFORM_SYMBOL(object_getClass);
 BOOL class_addMethod(Class cls, SEL name, IMP implementation, const char* types)
     PLATFORM_SYMBOL(class_addMethod);
 
+// Declares a property; NO if the class is null or has one of that name. Names and values are
+// copied.
+struct objc_property_attribute_t {
+  const char* name;
+  const char* value;
+};
+BOOL class_addProperty(Class cls, const char* name, const objc_property_attribute_t* attributes,
+                       unsigned int count) PLATFORM_SYMBOL(class_addProperty);
+
 // A new class, not usable before objc_registerClassPair; null if the name is taken.
 Class objc_allocateClassPair(Class superclass, const char* name, size_t extraBytes)
     PLATFORM_SYMBOL(objc_allocateClassPair);
@@ -66,6 +75,9 @@ struct dispatch_queue_s;
 extern dispatch_queue_s _dispatch_main_q PLATFORM_SYMBOL(_dispatch_main_q);
 // Copies `block` and runs it later on the queue's thread.
 void dispatch_async(dispatch_queue_s* queue, id block) PLATFORM_SYMBOL(dispatch_async);
+
+// 1 on the process's main thread, else 0.
+int pthread_main_np(void) PLATFORM_SYMBOL(pthread_main_np);
 
 // Posts a Darwin notification to every process; 0 is success. Never delivers inside the call.
 uint32_t notify_post(const char* name) PLATFORM_SYMBOL(notify_post);
@@ -107,16 +119,17 @@ void CFRelease(CFTypeRef object) PLATFORM_SYMBOL(CFRelease);
 
 // Replaces a method and stores what was there before in `*previous`, before the replacement goes
 // live. With a null class or a method found nowhere it does nothing, and `*previous` stays as is.
+// An inherited method is given to the class itself; `*previous` then finds the superclass's at each
+// call.
 void MSHookMessageEx(Class cls, SEL name, IMP replacement, IMP* previous)
     PLATFORM_SYMBOL(MSHookMessageEx);
-// The same for a C function; a null `function` does nothing.
+// The same for a C function, which must not be null.
 void MSHookFunction(void* function, void* replacement, void** previous)
     PLATFORM_SYMBOL(MSHookFunction);
 }
 
 namespace platform {
-// dyld's "search every loaded image" handle for dlsym, and dlopen's lazy mode.
-inline void* everyImage() { return reinterpret_cast<void*>(intptr_t{-2}); }
+// dlopen's lazy mode.
 inline constexpr int kLoadLazily = 1;
 // CFNotificationSuspensionBehaviorDeliverImmediately.
 inline constexpr CFIndex kDeliverImmediately = 4;

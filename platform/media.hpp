@@ -1,6 +1,7 @@
 // MediaRemote, the audio system and the phone: what plays, what is plugged in, who is calling.
 #pragma once
 #include "platform/foundation.hpp"
+#include "platform/framework.hpp"
 
 namespace platform {
 
@@ -10,10 +11,9 @@ enum class MediaCommand : uint32_t { play = 0, toggle = 2, nextTrack = 4, previo
 // MRMediaRemoteSendCommand(command, options): whether the command was taken.
 using SendMediaCommand = Boolean(uint32_t command, id options);
 
-// The system's function where MediaRemote is loaded, else null. Found through dlsym: linking the
-// framework would load it into every process.
+// The system's function, or null where MediaRemote cannot be loaded.
 inline SendMediaCommand* mediaCommandFunction() {
-  return reinterpret_cast<SendMediaCommand*>(dlsym(everyImage(), "MRMediaRemoteSendCommand"));
+  return functionIn<SendMediaCommand>(framework::kMediaRemote, "MRMediaRemoteSendCommand");
 }
 
 // Sends a command without options; a no-op answering false without MediaRemote.

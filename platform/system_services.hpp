@@ -1,23 +1,13 @@
 // C functions of frameworks that are loaded only when they are needed.
 #pragma once
-#include "platform/object.hpp"
+#include "platform/framework.hpp"
 
 namespace platform {
 
-namespace detail {
-// A function of a framework, or null where it cannot be loaded.
-template <class Function>
-Function* frameworkFunction(const char* framework, const char* symbol) {
-  void* const image = dlopen(framework, kLoadLazily);
-  return image ? reinterpret_cast<Function*>(dlsym(image, symbol)) : nullptr;
-}
-}  // namespace detail
-
 // Plays a system sound by its number. Stands on AudioServicesPlaySystemSound.
 inline void playSystemSound(uint32_t sound) {
-  auto* const play = detail::frameworkFunction<void(uint32_t)>(
-      "/System/Library/Frameworks/AudioToolbox.framework/AudioToolbox",
-      "AudioServicesPlaySystemSound");
+  auto* const play =
+      functionIn<void(uint32_t)>(framework::kAudioToolbox, "AudioServicesPlaySystemSound");
   if (play) play(sound);
 }
 
@@ -44,12 +34,10 @@ static_assert(sizeof(SocketAddress) == 16);
 // The flags of the route to an address. False if they cannot be had. Stands on
 // SCNetworkReachabilityCreateWithAddress and SCNetworkReachabilityGetFlags.
 inline bool reachabilityFlags(const SocketAddress& address, uint32_t* flags) {
-  constexpr const char* kFramework =
-      "/System/Library/Frameworks/SystemConfiguration.framework/SystemConfiguration";
-  auto* const create = detail::frameworkFunction<CFTypeRef(CFTypeRef, const void*)>(
-      kFramework, "SCNetworkReachabilityCreateWithAddress");
-  auto* const getFlags = detail::frameworkFunction<Boolean(CFTypeRef, uint32_t*)>(
-      kFramework, "SCNetworkReachabilityGetFlags");
+  auto* const create = functionIn<CFTypeRef(CFTypeRef, const void*)>(
+      framework::kSystemConfiguration, "SCNetworkReachabilityCreateWithAddress");
+  auto* const getFlags = functionIn<Boolean(CFTypeRef, uint32_t*)>(framework::kSystemConfiguration,
+                                                                   "SCNetworkReachabilityGetFlags");
   if (!create || !getFlags) return false;
   const CFTypeRef reachability = create(nullptr, &address);
   if (!reachability) return false;
