@@ -7,7 +7,7 @@ namespace corvalen::apps {
 
 // MRMediaRemoteSendCommand. Any thread.
 struct PlayCommand {
-  static inline constinit platform::Previous<platform::SendMediaCommand> previous{};
+  static inline constinit platform::PreviousFunction<platform::SendMediaCommand> previous{};
   static Boolean replacement(uint32_t command, id options);
 };
 

@@ -129,7 +129,8 @@ inline constexpr AddOnRow kAddOnHooks[] = {
      method<springboard::MiniPlayerOpenApp, "openNowPlayingApp">()},
 };
 
-// And last the function MRMediaRemoteSendCommand, by springboard::RemoteCommand.
+// And last the function MRMediaRemoteSendCommand, by springboard::RemoteCommand, where MediaRemote
+// can be loaded.
 
 // ---- Player apps
 

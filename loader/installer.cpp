@@ -40,10 +40,13 @@ void hookAddOns() {
 
 template <class Hook>
 void hookMediaCommand() {
-  hookFunction<Hook>(reinterpret_cast<void*>(mediaCommandFunction()));
+  if (auto* const function = mediaCommandFunction())
+    hookFunction<Hook>(reinterpret_cast<void*>(function));
 }
 
 [[gnu::noinline]] void installSpringBoard() {
+  ui::registerTimerCategory();
+  welcome::registerFollowHandler();
   preferences::loadPreferences();
   observe(CFNotificationCenterGetDarwinNotifyCenter(), kSpringBoardObservers);
   observe(CFNotificationCenterGetLocalCenter(), kSpringBoardLocalObservers);
@@ -53,6 +56,7 @@ void hookMediaCommand() {
 }
 
 [[gnu::noinline]] void installPlayer(std::span<const HookGroup> hooks) {
+  ui::registerTimerCategory();
   observe(CFNotificationCenterGetDarwinNotifyCenter(), kPlayerObservers);
   apps::readAutoPlay();
   notify_post(signals::kPlayerStarted);
@@ -100,9 +104,7 @@ class ProcessQuestion {
 void install() {
   void* const pool = objc_autoreleasePoolPush();
   if (versionIsSupported()) {
-    ui::registerTimerCategory();
     ui::registerAlertCategory();
-    welcome::registerFollowHandler();
     installSet();
   }
   objc_autoreleasePoolPop(pool);

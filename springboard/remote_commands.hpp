@@ -7,7 +7,7 @@ namespace corvalen::springboard {
 
 // MRMediaRemoteSendCommand: play and toggle with nothing loaded launch the preferred player.
 struct RemoteCommand {
-  static inline constinit platform::Previous<platform::SendMediaCommand> previous{};
+  static inline constinit platform::PreviousFunction<platform::SendMediaCommand> previous{};
   static Boolean replacement(uint32_t command, id options);
 };
 

@@ -50,7 +50,7 @@ TEST(Encodings, FollowTheFunctionTypes) {
   EXPECT_STREQ((kEncoding<id(id, SEL, double, BlockPointer, BOOL)>), "@@:d@?B");
 }
 
-TEST(HookRows, SlotsAreEmptyUntilTheyAreFilled) { EXPECT_EQ(Fitting::previous, nullptr); }
+TEST(HookRows, SlotsAreEmptyUntilTheyAreFilled) { EXPECT_EQ(Fitting::previous.stored, nullptr); }
 
 }  // namespace row_cases
 }  // namespace platform
