@@ -2,6 +2,7 @@
 
 #include "loader/preferences.hpp"
 #include "loader/signals.hpp"
+#include "platform/relaxed.hpp"
 
 namespace corvalen::apps {
 
@@ -9,17 +10,18 @@ using namespace platform;
 
 namespace {
 
-// SpringBoard has a now-playing item. One byte without a lock: a stale read decides one command.
-constinit bool playsElsewhere = false;
+// SpringBoard has a now-playing item. Written on the main thread, read on any: a stale read decides
+// one command.
+constinit Relaxed<bool> playsElsewhere{};
 
 }  // namespace
 
 void nowPlaying(CFNotificationCenterRef, void*, CFStringRef, const void*, CFTypeRef) {
-  playsElsewhere = true;
+  playsElsewhere.store(true);
 }
 
 void nothingPlaying(CFNotificationCenterRef, void*, CFStringRef, const void*, CFTypeRef) {
-  playsElsewhere = false;
+  playsElsewhere.store(false);
 }
 
 // The file is read at each command: an app has no other way to know of a change.
@@ -35,7 +37,7 @@ Boolean PlayCommand::replacement(uint32_t command, id options) {
     player =
         preferences::asText(settings->objectForKey(preferences::key::preferredPlayer())).copy();
   }
-  if (playsElsewhere || !enabled) return previous(command, options);
+  if (playsElsewhere.load() || !enabled) return previous(command, options);
   // Without a player chosen the command is lost: redirection is on, but to nothing.
   if (player->length() != 0) notify_post(signals::kLaunchPlayer);
   return 0;

@@ -2,22 +2,25 @@
 #pragma once
 #include "platform/c_abi.hpp"
 #include "platform/literal.hpp"
+#include "platform/relaxed.hpp"
 
 namespace platform {
 
+// Any thread may be the first to use one: all of them find the same selector.
 template <Literal Name>
-inline constinit SEL selectorSlot = nullptr;
+inline constinit Relaxed<SEL> selectorSlot{};
 
 // Out of line, so that the common case at a call site is one load and one branch.
-[[gnu::noinline, gnu::cold]] inline SEL registerSelector(SEL& slot, const char* name) {
-  slot = sel_registerName(name);
-  return slot;
+[[gnu::noinline, gnu::cold]] inline SEL registerSelector(Relaxed<SEL>& slot, const char* name) {
+  const SEL registered = sel_registerName(name);
+  slot.store(registered);
+  return registered;
 }
 
 // The registered selector of that name. Stands on sel_registerName; never null.
 template <Literal Name>
 [[gnu::always_inline]] inline SEL selector() {
-  const SEL known = selectorSlot<Name>;
+  const SEL known = selectorSlot<Name>.load();
   if (known) [[likely]]
     return known;
   return registerSelector(selectorSlot<Name>, kText<Name>.text);
