@@ -46,10 +46,13 @@ class ACAccountStore final : public Object {
     const Ref<Object> kept = completion->copied().object;
     Process* owner = &process;
     process.device.enqueue(owner, [owner, kept] {
-      owner->device.callback(*owner, [&] {
-        static_cast<Block&>(*kept).invoke(
-            Kind::Void, {Value::boolean(owner->device.state.accountsGranted), Value::nil()});
-      });
+      owner->device.callback(
+          *owner,
+          [&] {
+            static_cast<Block&>(*kept).invoke(
+                Kind::Void, {Value::boolean(owner->device.state.accountsGranted), Value::nil()});
+          },
+          Thread::Other);
     });
   }
 
@@ -71,9 +74,13 @@ class SLRequest final : public Object {
     const Ref<Object> kept = handler->copied().object;
     Process* owner = &process;
     process.device.enqueue(owner, [owner, kept] {
-      owner->device.callback(*owner, [&] {
-        static_cast<Block&>(*kept).invoke(Kind::Void, {Value::nil(), Value::nil(), Value::nil()});
-      });
+      owner->device.callback(
+          *owner,
+          [&] {
+            static_cast<Block&>(*kept).invoke(Kind::Void,
+                                              {Value::nil(), Value::nil(), Value::nil()});
+          },
+          Thread::Other);
     });
   }
 
@@ -121,6 +128,7 @@ std::string describeAccess(const Invocation&) {
 ClassDefinition defineACAccountStore() {
   auto definition =
       ClassDefinition::of<ACAccountStore>("ACAccountStore", "NSObject", Home::springBoard());
+  definition.mainThreadOnly(false);
   definition.method("accountTypeWithAccountTypeIdentifier:", &ACAccountStore::typeWithIdentifier);
   definition
       .method("requestAccessToAccountsWithType:withCompletionHandler:",
@@ -131,17 +139,20 @@ ClassDefinition defineACAccountStore() {
 }
 
 ClassDefinition defineACAccountType() {
-  return ClassDefinition::of<ACAccountType>("ACAccountType", "NSObject", Home::springBoard());
+  return ClassDefinition::of<ACAccountType>("ACAccountType", "NSObject", Home::springBoard())
+      .mainThreadOnly(false);
 }
 
 ClassDefinition defineACAccount() {
   auto definition = ClassDefinition::of<ACAccount>("ACAccount", "NSObject", Home::springBoard());
+  definition.mainThreadOnly(false);
   definition.method("username", &ACAccount::username);
   return definition;
 }
 
 ClassDefinition defineSLRequest() {
   auto definition = ClassDefinition::of<SLRequest>("SLRequest", "NSObject", Home::springBoard());
+  definition.mainThreadOnly(false);
   definition.classMethod("requestForServiceType:requestMethod:URL:parameters:", &makeRequest);
   definition.method("setAccount:", &SLRequest::setAccount);
   definition.method("performRequestWithHandler:", &SLRequest::perform).effect(describeRequest);

@@ -83,6 +83,8 @@ class Class final : public Object {
   Class* instances = nullptr;  // of a metaclass: the class whose class methods it holds
   Factory factory{};           // makes an instance; inherited
   std::map<std::string, Method> methods;
+  std::map<std::string, std::string> properties;  // name -> attributes
+  bool mainThreadOnly = false;                    // it and its objects take messages there alone
 };
 
 }  // namespace sim

@@ -43,6 +43,7 @@ void ClassDefinition::install(Process& process) const {
   Class* superclass = superclass_.empty() ? nullptr : &process.requireClass(superclass_);
   Class& cls = process.createClass(name_, superclass);
   if (factory_) cls.factory = factory_;
+  cls.mainThreadOnly = cls.isa->mainThreadOnly = mainThreadOnly_;
   for (const Row& row : rows_) {
     if (!row.addOn.empty() && !process.addOns.contains(row.addOn)) continue;
     Class& target = row.onClass ? *cls.isa : cls;

@@ -52,6 +52,12 @@ class ClassDefinition {
     last_->describe = std::move(describe);
     return effect();
   }
+  // Which threads its objects and the class itself take messages on. Unless said, what belongs to
+  // SpringBoard, an add-on or an app is the main thread's, and what every process has anybody's.
+  ClassDefinition& mainThreadOnly(bool only = true) {
+    mainThreadOnly_ = only;
+    return *this;
+  }
   // The method added last exists only with that add-on.
   ClassDefinition& onlyWithAddOn(std::string addOn);
 
@@ -69,7 +75,10 @@ class ClassDefinition {
     std::string addOn;
   };
   ClassDefinition(std::string name, std::string superclass, Home home)
-      : name_(std::move(name)), superclass_(std::move(superclass)), home_(std::move(home)) {}
+      : name_(std::move(name)),
+        superclass_(std::move(superclass)),
+        home_(std::move(home)),
+        mainThreadOnly_(home_.where != Home::Where::Everywhere) {}
   ClassDefinition& add(NativeCode code, bool onClass);
 
   std::string name_;
@@ -78,6 +87,7 @@ class ClassDefinition {
   Class::Factory factory_{};
   std::vector<Row> rows_;
   NativeCode* last_ = nullptr;
+  bool mainThreadOnly_;
 };
 
 // The master list, superclasses first.

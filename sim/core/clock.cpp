@@ -34,7 +34,7 @@ void Clock::advance(Microseconds span, const std::function<void()>& settle, Micr
     fire();
     settle();
   }
-  now_ = end;
+  now_ = std::max(now_, end);  // what fired may have let more time pass
 }
 
 }  // namespace sim

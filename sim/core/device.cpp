@@ -99,22 +99,84 @@ void Device::endProcess(Process& process) {
   if (depth_ == 0) dead_.clear();
 }
 
-bool Device::callback(Process& process, const std::function<void()>& body) {
+namespace {
+
+// The words of the library's variables. A thread of the platform's may register a selector, or bind
+// a function at its first call; whatever else it changes is the main thread's.
+class MainThreadState {
+ public:
+  explicit MainThreadState(Process& process) : process_(process) {
+    each([&](Address at) { before_.push_back(process.library().dataWord(at)); });
+  }
+  void requireUnchanged() const {
+    auto before = before_.begin();
+    each([&](Address at) {
+      if (before == before_.end()) return;
+      const Address now = process_.library().dataWord(at);
+      if (*before++ != now && !process_.device.selectorName(now) && !process_.library().isCode(now))
+        throw Fault("a variable of the main thread's was changed off it");
+    });
+  }
+
+ private:
+  template <class Each>
+  void each(Each visit) const {
+    Library& library = process_.library();
+    const unsigned word = library.pointerSize();
+    for (const auto& [start, size] : library.variables())
+      for (Address at = (start + word - 1) / word * word; at + word <= start + size; at += word)
+        visit(at);
+  }
+
+  Process& process_;
+  std::vector<Address> before_;
+};
+
+}  // namespace
+
+bool Device::callback(Process& process, const std::function<void()>& body, Thread thread) {
   ++depth_;
+  const Thread before = std::exchange(process.thread, thread);
   bool alive = true;
   try {
-    const Address pool = process.pushPool();
-    body();
-    process.popPool(pool);
-    process.throwDeferredFault();
+    runCallback(process, body, thread);
   } catch (const Fault& fault) {
     alive = false;
-    effect(process, std::string("crash: ") + fault.what());
-    if (App* app = state.app(process.identifier)) app->running = false;
-    endProcess(process);
+    if (!process.ended) {
+      effect(process, std::string("crash: ") + fault.what());
+      if (App* app = state.app(process.identifier)) app->running = false;
+      endProcess(process);
+    }
   }
+  process.thread = before;
   if (--depth_ == 0) dead_.clear();
   return alive;
+}
+
+void Device::runCallback(Process& process, const std::function<void()>& body, Thread thread) {
+  std::optional<MainThreadState> kept;
+  if (thread != Thread::Main && process.hasLibrary()) kept.emplace(process);
+  const Address pool = process.pushPool();
+  body();
+  if (process.pools() != pool) throw Fault("an autorelease pool was pushed and not popped");
+  process.popPool(pool);
+  process.throwDeferredFault();
+  if (kept) kept->requireUnchanged();
+}
+
+void Device::during(const std::string& name, std::function<void()> work) {
+  interruptions_.emplace_back(name, std::move(work));
+}
+
+void Device::interrupt(Process& process, const std::string& name) {
+  const auto waiting = std::ranges::find(interruptions_, name,
+                                         &std::pair<std::string, std::function<void()>>::first);
+  if (waiting == interruptions_.end()) return;
+  const auto work = std::move(waiting->second);
+  interruptions_.erase(waiting);
+  work();
+  drain();
+  if (process.ended) throw Fault("the process has ended");
 }
 
 void Device::enqueue(Process* process, std::function<void()> work) {

@@ -91,7 +91,12 @@ class Device {
   // ---- Time and order
   // Runs one callback of a process: an autorelease pool around it, and a Fault ends the process
   // with a crash line. False if the process died.
-  bool callback(Process& process, const std::function<void()>& body);
+  bool callback(Process& process, const std::function<void()>& body, Thread thread = Thread::Main);
+  // The next time that a platform implementation of that name (selector or function) runs, `work`
+  // happens in the middle of it, as it does where one runs the run loop.
+  void during(const std::string& name, std::function<void()> work);
+  // Runs what waits for that name. Throws if `process` has ended by it.
+  void interrupt(Process& process, const std::string& name);
   // Work to be done after the running callback. With a process, it goes when the process ends.
   void enqueue(Process* process, std::function<void()> work);
   void drain();
@@ -109,7 +114,9 @@ class Device {
 
  private:
   void deliverDarwin(const std::string& name);
+  void runCallback(Process& process, const std::function<void()>& body, Thread thread);
 
+  std::deque<std::pair<std::string, std::function<void()>>> interruptions_;
   struct Queued {
     std::uint64_t process = 0;  // number of the process it belongs to; 0: the device
     std::function<void()> work;

@@ -10,10 +10,19 @@ namespace sim {
 
 namespace {
 
-std::string unrecognized(const Object& receiver, const std::string& selector) {
+std::string shownMethod(const Object& receiver, const std::string& selector) {
   const auto* cls = dynamic_cast<const Class*>(&receiver);
-  return fmt::format("{}[{} {}]: unrecognized selector", cls ? '+' : '-', receiver.isa->name,
-                     selector);
+  return fmt::format("{}[{} {}]", cls ? '+' : '-', receiver.isa->name, selector);
+}
+
+std::string unrecognized(const Object& receiver, const std::string& selector) {
+  return shownMethod(receiver, selector) + ": unrecognized selector";
+}
+
+// Whether NSObject itself has it.
+bool isRootMethod(Process& process, const Method& method) {
+  Class& root = process.requireClass("NSObject");
+  return root.own(method.selector) == &method || root.isa->own(method.selector) == &method;
 }
 
 }  // namespace
@@ -38,6 +47,7 @@ Value Process::dispatch(Object& receiver, const std::string& selector, ArgumentS
   throwDeferredFault();
   Method* method = receiver.isa->find(selector);
   if (!method) throw Fault(unrecognized(receiver, selector));
+  requireThread(receiver, *method);
   std::vector<Value> values;
   if (arguments) {
     values = std::move(*arguments);
@@ -77,6 +87,7 @@ Value Process::runNative(const NativeCode& code, Invocation& invocation) {
     else
       device.otherCall(*this, call);
   }
+  if (!code.relay) device.interrupt(*this, code.name);
   Injection* injection = device.injection;
   if (!injection || code.relay || invocation.caller != Caller::Library) return code.run(invocation);
   if (const auto answer = injection->instead(code, invocation)) return *answer;
@@ -100,6 +111,16 @@ Value Process::callFromLibrary(const std::shared_ptr<const NativeCode>& code, bo
     invocation.rest = &source;
   }
   return runNative(*code, invocation);
+}
+
+// Reference counting and questions about the class are anybody's.
+void Process::requireThread(Object& receiver, const Method& method) {
+  if (thread == Thread::Main && receiver.onlyOn.value_or(Thread::Main) == Thread::Main) return;
+  if (isRootMethod(*this, method)) return;
+  if (receiver.isa->mainThreadOnly)
+    throw Fault(shownMethod(receiver, method.selector) + " off the main thread");
+  if (receiver.onlyOn && *receiver.onlyOn != thread)
+    throw Fault(shownMethod(receiver, method.selector) + " on another thread than it was made on");
 }
 
 // ---- C functions

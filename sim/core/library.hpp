@@ -36,6 +36,10 @@ class Library {
   virtual unsigned pointerSize() const = 0;
   // Ranges of the library's own variables, for the search for leaks: (address, size).
   virtual std::vector<std::pair<Address, std::size_t>> data() const = 0;
+  // Only those that the image itself has: its variables.
+  virtual std::vector<std::pair<Address, std::size_t>> variables() const = 0;
+  // Whether the platform or the library has code at that address.
+  virtual bool isCode(Address address) const = 0;
   // A pointer-wide word within data(), whatever it means.
   virtual Address dataWord(Address at) const { return readPointer(at); }
 

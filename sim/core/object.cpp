@@ -51,7 +51,7 @@ void Object::associate(Address key, Object* value, std::uint64_t policy) {
     kept = Ref<Object>(process.object(copy.bits));
   }
   const auto old = associations_.find(key);
-  Associated previous{nullptr, false};
+  Associated previous{nullptr, false, false};
   if (old != associations_.end()) {
     previous = old->second;
     associations_.erase(old);
@@ -59,7 +59,7 @@ void Object::associate(Address key, Object* value, std::uint64_t policy) {
   if (kept) {
     const bool held = policy != kAssign;
     if (held) kept->retain();
-    associations_[key] = {kept.get(), held};
+    associations_[key] = {kept.get(), held, policy == kRetain || policy == kCopy};
   }
   if (previous.held) previous.value->release();
 }
@@ -67,6 +67,11 @@ void Object::associate(Address key, Object* value, std::uint64_t policy) {
 Object* Object::associated(Address key) const {
   const auto found = associations_.find(key);
   return found == associations_.end() ? nullptr : found->second.value;
+}
+
+bool Object::associatedAtomically(Address key) const {
+  const auto found = associations_.find(key);
+  return found != associations_.end() && found->second.atomic;
 }
 
 void Object::dropAssociations() {

@@ -1,6 +1,7 @@
 // Simulated platform objects and their reference counts.
 #pragma once
 #include <map>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -10,6 +11,10 @@ namespace sim {
 
 class Class;
 class Process;
+
+// The threads that a callback can come on: the main one, with UIKit and the run loop, or one of the
+// platform's own.
+enum class Thread : std::uint8_t { Main, Other };
 
 // One object of a process. References of the library and of the platform are counted apart, so that
 // a release too many by the library is found at once, whoever else holds the object.
@@ -40,16 +45,21 @@ class Object {
 
   void associate(Address key, Object* value, std::uint64_t policy);
   Object* associated(Address key) const;  // borrowed
+  bool associatedAtomically(Address key) const;
   void dropAssociations();
 
   Process& process;
   Class* isa = nullptr;
   Address address = 0;
+  // For what changes without locks: the thread that made it, the only one that may send it
+  // messages.
+  std::optional<Thread> onlyOn{};
 
  private:
   struct Associated {
     Object* value;
     bool held;
+    bool atomic;
   };
   void freeIfUnreferenced();
 

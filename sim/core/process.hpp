@@ -26,6 +26,7 @@ class Process {
   const std::string identifier;        // the bundle identifier, also its name in traces
   const std::set<std::string> addOns;  // that were there when it started
   bool isSpringBoard() const;
+  Thread thread = Thread::Main;  // of the running callback
 
   // Loads the library and runs its constructor, as one part of the current callback.
   void loadLibrary();
@@ -74,6 +75,7 @@ class Process {
 
   Address pushPool();
   void popPool(Address pool);
+  std::size_t pools() const { return pools_.size(); }
 
   // ---- Calls
   // Sends a message as platform code does. A nil receiver answers zero.
@@ -123,6 +125,7 @@ class Process {
  private:
   Value dispatch(Object& receiver, const std::string& selector, ArgumentSource* source,
                  std::vector<Value>* arguments, Caller caller);
+  void requireThread(Object& receiver, const Method& method);
   Object* literal(Address address);
   Address platformVariable(const std::string& name);
   void installClasses();

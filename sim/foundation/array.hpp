@@ -38,7 +38,9 @@ class NSArray : public Object {
 
 class NSMutableArray final : public NSArray {
  public:
-  using NSArray::NSArray;
+  explicit NSMutableArray(Process& process, bool retaining = true) : NSArray(process, retaining) {
+    onlyOn = process.thread;
+  }
 };
 
 Ref<NSArray> makeArray(Process& process, const std::vector<Ref<Object>>& elements);

@@ -24,7 +24,9 @@ class NSDictionary : public Object {
 
 class NSMutableDictionary final : public NSDictionary {
  public:
-  using NSDictionary::NSDictionary;
+  explicit NSMutableDictionary(Process& process) : NSDictionary(process) {
+    onlyOn = process.thread;
+  }
   std::string description() const override { return "<NSMutableDictionary>"; }
 };
 

@@ -27,6 +27,7 @@ NSTimer::NSTimer(Process& owner, double interval, Object* target, std::string ac
       repeats_(repeats) {}
 
 void NSTimer::schedule() {
+  if (process.thread != Thread::Main) throw Fault("a timer scheduled where no run loop runs");
   runLoopHolds_ = Ref<Object>(this);
   Process* owner = &process;
   const auto delay = static_cast<Microseconds>(std::llround(interval_ * kMicroseconds));

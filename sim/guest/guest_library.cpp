@@ -97,8 +97,13 @@ class GuestLibrary final : public Library {
 
   unsigned pointerSize() const override { return guest::pointerSize(slice_); }
 
+  std::vector<std::pair<Address, std::size_t>> variables() const override {
+    return image_.variables();
+  }
+  bool isCode(Address address) const override { return traps_.contains(address); }
+
   std::vector<std::pair<Address, std::size_t>> data() const override {
-    auto all = image_.variables();
+    auto all = variables();
     for (const auto& block : memory_.blocks()) all.push_back(block);
     return all;
   }

@@ -25,6 +25,9 @@ class Traps {
   Address imported(const std::string& name);
   // A new address for platform code.
   Address exposed(std::shared_ptr<const NativeCode> code, bool isMethod);
+  bool contains(Address address) const {
+    return address >= kTrapBase && address < kTrapBase + kTrapSize;
+  }
   // Fault if the guest jumped to where nothing is.
   const Trap& at(Address address) const;
 

@@ -234,10 +234,17 @@ class HostLibrary final : public Library {
     return *reinterpret_cast<const volatile Address*>(at);
   }
 
-  std::vector<std::pair<Address, std::size_t>> data() const override {
+  std::vector<std::pair<Address, std::size_t>> variables() const override {
     std::vector<std::pair<Address, std::size_t>> all;
     for (const Range& range : image())
       if (range.writable) all.emplace_back(range.start, range.size);
+    return all;
+  }
+  // Nothing is bound at its first call here.
+  bool isCode(Address) const override { return false; }
+
+  std::vector<std::pair<Address, std::size_t>> data() const override {
+    auto all = variables();
     for (const auto& [memory, size] : memory_)
       if (!freed_.contains(memory)) all.emplace_back(memory, size);
     return all;

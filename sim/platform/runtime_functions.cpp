@@ -44,6 +44,21 @@ bool addMethod(Process& process, Class* cls, Selector name, Pointer code, std::s
   return true;
 }
 
+// The attributes as the runtime would show them: "T@?,C,N".
+bool addProperty(Process& process, Class* cls, std::string name, Pointer attributes,
+                 unsigned count) {
+  if (!cls || cls->properties.contains(name)) return false;
+  Library& library = process.library();
+  std::string shown;
+  for (unsigned i = 0; i < count; ++i) {
+    const Address pair = attributes.address + Address{2} * i * library.pointerSize();
+    shown += (i ? "," : "") + library.readText(library.readPointer(pair)) +
+             library.readText(library.readPointer(pair + library.pointerSize()));
+  }
+  cls->properties[name] = shown;
+  return true;
+}
+
 // Without the encoding, which is another on each width.
 std::string describeAddMethod(const Invocation& invocation) {
   const auto* cls = dynamic_cast<const Class*>(invocation.object(0));
@@ -75,8 +90,11 @@ void setAssociated(Process&, Object* object, Pointer key, Object* value, unsigne
   object->associate(key.address, value, policy);
 }
 
-Object* getAssociated(Process&, Object* object, Pointer key) {
-  return object ? object->associated(key.address) : nullptr;
+// What an atomic association holds comes retained and autoreleased: it outlives a change.
+Object* getAssociated(Process& process, Object* object, Pointer key) {
+  Object* value = object ? object->associated(key.address) : nullptr;
+  if (value && object->associatedAtomically(key.address)) process.autorelease(Ref<Object>(value));
+  return value;
 }
 
 void enumerationMutation(Process&, Object* collection) {
@@ -109,6 +127,7 @@ Functions runtimeFunctions() {
       bindFunction("sel_registerName", &registerName),
       bindFunction("object_getClass", &getObjectClass),
       described(bindFunction("class_addMethod", &addMethod), describeAddMethod),
+      bindFunction("class_addProperty", &addProperty),
       bindFunction("objc_allocateClassPair", &allocateClassPair),
       bindFunction("objc_registerClassPair", &registerClassPair),
       bindFunction("objc_setAssociatedObject", &setAssociated),

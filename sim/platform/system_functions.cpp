@@ -31,6 +31,8 @@ void dispatchAsync(Process& process, Pointer queue, Block* block) {
   });
 }
 
+int isMainThread(Process& process) { return process.thread == Thread::Main ? 1 : 0; }
+
 int runCommand(Process&, std::string) { return 0; }
 
 }  // namespace
@@ -41,6 +43,7 @@ Functions systemFunctions() {
       bindFunction("dlsym", &find),
       effect(bindFunction("notify_post", &post)),
       bindFunction("dispatch_async", &dispatchAsync),
+      bindFunction("pthread_main_np", &isMainThread),
       effect(bindFunction("system", &runCommand)),
   };
 }

@@ -28,6 +28,7 @@ Object* sharedList(Class& cls) {
 ClassDefinition defineALApplicationList() {
   auto definition =
       ClassDefinition::of<ALApplicationList>("ALApplicationList", "NSObject", Home::springBoard());
+  definition.mainThreadOnly(false);
   definition.classMethod("sharedApplicationList", &sharedList);
   definition.method("applications", &ALApplicationList::applications);
   return definition;

@@ -127,6 +127,7 @@ ClassDefinition defineMPUMediaControlsTitlesView() {
 ClassDefinition defineAVSystemController() {
   auto definition = ClassDefinition::of<AVSystemController>("AVSystemController", "NSObject",
                                                             Home::springBoard());
+  definition.mainThreadOnly(false);
   definition.classMethod("sharedAVSystemController", &sharedAudioController);
   definition.method("attributeForKey:", &AVSystemController::attributeForKey);
   return definition;

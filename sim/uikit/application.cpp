@@ -35,6 +35,7 @@ std::string describeOpen(const Invocation& invocation) {
 ClassDefinition defineUIApplication() {
   auto definition =
       ClassDefinition::of<UIApplication>("UIApplication", "NSObject", Home::everywhere());
+  definition.mainThreadOnly();
   definition.classMethod("sharedApplication", &shared);
   definition.code(detail::methodCode<UIApplication, bool, NSURL*>("canOpenURL:", canOpenUrl));
   definition.code(detail::methodCode<UIApplication, bool, NSURL*>("openURL:", openUrl))
@@ -43,7 +44,7 @@ ClassDefinition defineUIApplication() {
 }
 
 ClassDefinition defineUIView() {
-  return ClassDefinition::of<Object>("UIView", "NSObject", Home::everywhere());
+  return ClassDefinition::of<Object>("UIView", "NSObject", Home::everywhere()).mainThreadOnly();
 }
 
 }  // namespace sim
