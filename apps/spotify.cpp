@@ -23,13 +23,14 @@ bool tryToPlay(SPTNowPlayingPlaybackController controller) {
   const SPTPlayerState checked = controller.player().playerState();
   if (!checked.respondsTo(selector<"isPlaying">())) return false;
   if (!checked.respondsTo(selector<"isPaused">())) return false;
-  const SPTPlayer player = controller.player();
-  const SPTPlayerState state = player.playerState();
+  // Held: the app may replace its player while that is told something.
+  const auto player = Retained<SPTPlayer>::retain(controller.player());
+  const SPTPlayerState state = player->playerState();
   const bool playing = state.isPlaying();
   const bool notPaused = !state.isPaused();
   // Paused and resumed also if it plays already: what counts is that the last word was to resume.
-  if (player.respondsTo(selector<"setPaused:">())) player.setPaused(true);
-  if (player.respondsTo(selector<"setPaused:">())) player.setPaused(false);
+  if (player->respondsTo(selector<"setPaused:">())) player->setPaused(true);
+  if (player->respondsTo(selector<"setPaused:">())) player->setPaused(false);
   return playing && notPaused;
 }
 

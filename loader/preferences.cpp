@@ -70,7 +70,9 @@ bool boolean(NSDictionary dictionary, NSString key) {
 
 bool boolean(NSString key) { return boolean(preferencesDictionary, key); }
 
-NSString text(NSString key) { return asText(preferencesDictionary.objectForKey(key)); }
+Retained<NSString> text(NSString key) {
+  return Retained<NSString>::retain(asText(preferencesDictionary.objectForKey(key)));
+}
 
 bool isPresent(NSString key) {
   return static_cast<bool>(preferencesDictionary.objectForKeyedSubscript(key));

@@ -39,9 +39,10 @@ extern constinit NSMutableDictionary preferencesDictionary;
 // titles refreshed. SpringBoard's main thread only.
 void loadPreferences();
 
-// Values of SpringBoard's copy. A value of a wrong type reads as a missing one. Texts are borrowed.
+// Values of SpringBoard's copy. A value of a wrong type reads as a missing one. A text is held on
+// its own: whatever runs the run loop may have the settings loaded again, and the old ones go.
 bool boolean(NSString key);
-NSString text(NSString key);
+platform::Retained<NSString> text(NSString key);
 bool isPresent(NSString key);
 
 // ---- The file
@@ -53,7 +54,7 @@ platform::Retained<NSMutableDictionary> read();
 // Values of a dictionary that was read.
 bool boolean(platform::NSDictionary dictionary, NSString key);
 
-// `object` as a text, or nothing if it is none.
+// `object` as a text, or nothing if it is none. Borrowed.
 NSString asText(Object object);
 // -boolValue of an object that answers it, else NO.
 bool asBoolean(Object object);

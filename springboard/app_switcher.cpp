@@ -13,33 +13,36 @@ namespace {
 template <class Identifier>
 void cardRemoved(Identifier identifier) {
   resetPendingLaunch();
-  const NSString replacement = preferences::text(preferences::key::musicReplacement());
-  if (replacement.length() == 0) return;
-  if (replacement.isEqualToString(identifier())) system("killall -9 Music");
+  const auto replacement = preferences::text(preferences::key::musicReplacement());
+  if (replacement->length() == 0) return;
+  if (replacement->isEqualToString(identifier())) system("killall -9 Music");
 }
 
-void displayItemRemoved(id item) {
-  cardRemoved([item] { return view<SBDisplayItem>(item).displayIdentifier(); });
+// The switcher lets go of the item that it removes, and it may have been the last to hold it.
+template <class Hook>
+ResultWord removeItem(id self, SEL name, id item) {
+  const auto held = Retained<SBDisplayItem>::retain(view<SBDisplayItem>(item));
+  const ResultWord result = Hook::previous(self, name, item);
+  cardRemoved([&held] { return held->displayIdentifier(); });
+  return result;
 }
 
 }  // namespace
 
 // Before the card goes, while the index still means it.
-void QuitAppAtIndex::replacement(id self, SEL name, NSUInteger index) {
+ResultWord QuitAppAtIndex::replacement(id self, SEL name, NSUInteger index) {
   cardRemoved([self, index] {
     return view<SBAppSliderController>(self).displayIDAtIndex(static_cast<uint32_t>(index));
   });
-  previous(self, name, index);
+  return previous(self, name, index);
 }
 
-void RemoveDisplayItem::replacement(id self, SEL name, id item) {
-  previous(self, name, item);
-  displayItemRemoved(item);
+ResultWord RemoveDisplayItem::replacement(id self, SEL name, id item) {
+  return removeItem<RemoveDisplayItem>(self, name, item);
 }
 
-void RemoveItem::replacement(id self, SEL name, id item) {
-  previous(self, name, item);
-  displayItemRemoved(item);
+ResultWord RemoveItem::replacement(id self, SEL name, id item) {
+  return removeItem<RemoveItem>(self, name, item);
 }
 
 }  // namespace corvalen::springboard

@@ -7,20 +7,20 @@ namespace corvalen::springboard {
 
 // iOS 7: -[SBAppSliderController _quitAppAtIndex:]
 struct QuitAppAtIndex {
-  static inline constinit platform::Previous<void(id, SEL, NSUInteger)> previous{};
-  static void replacement(id self, SEL name, NSUInteger index);
+  static inline constinit platform::Previous<ResultWord(id, SEL, NSUInteger)> previous{};
+  static ResultWord replacement(id self, SEL name, NSUInteger index);
 };
 
 // iOS 8: -[SBAppSwitcherModel removeDisplayItem:]
 struct RemoveDisplayItem {
-  static inline constinit platform::Previous<void(id, SEL, id)> previous{};
-  static void replacement(id self, SEL name, id item);
+  static inline constinit platform::Previous<ResultWord(id, SEL, id)> previous{};
+  static ResultWord replacement(id self, SEL name, id item);
 };
 
 // iOS 9: -[SBAppSwitcherModel remove:]
 struct RemoveItem {
-  static inline constinit platform::Previous<void(id, SEL, id)> previous{};
-  static void replacement(id self, SEL name, id item);
+  static inline constinit platform::Previous<ResultWord(id, SEL, id)> previous{};
+  static ResultWord replacement(id self, SEL name, id item);
 };
 
 }  // namespace corvalen::springboard

@@ -1,7 +1,7 @@
 #include "springboard/headphones.hpp"
 
 #include "loader/preferences.hpp"
-#include "platform/applist.hpp"
+#include "platform/main_queue.hpp"
 #include "platform/media.hpp"
 #include "platform/version.hpp"
 #include "springboard/launcher.hpp"
@@ -30,21 +30,29 @@ bool isInCall() {
   return version() >= kIOS9 ? center.anyCallIsHostedOnCurrentDevice() : center.inCall();
 }
 
-}  // namespace
-
-void headphoneJackChanged(CFNotificationCenterRef, void*, CFStringRef, const void*, CFTypeRef) {
+void jackChanged() {
   const bool connected = isJackConnected();
   const bool inCall = isInCall();
   if (!connected || inCall) return;
   if (!preferences::boolean(key::headphoneTrigger())) return;
   pendingUnlockLaunch = false;  // this flag alone
   const bool enabled = preferences::boolean(key::masterSwitch());
-  const NSString player = preferences::text(key::preferredPlayer());
-  if (!isAppListed(player) || !enabled) return;
+  const auto player = preferences::text(key::preferredPlayer());
+  if (!enabled || !isAppListed(player.get())) return;
   if (mediaController.hasTrack())
     mediaController.play();
   else
-    launchPlayer(launchOptionsFromSettings(), player);
+    launchPlayer(launchOptionsFromSettings(), player.get());
+}
+
+}  // namespace
+
+// Local notifications come on the thread that posts them, which need not be the main one.
+void headphoneJackChanged(CFNotificationCenterRef, void*, CFStringRef, const void*, CFTypeRef) {
+  if (isMainThread())
+    jackChanged();
+  else
+    onMainQueue([] { jackChanged(); });
 }
 
 }  // namespace corvalen::springboard

@@ -4,7 +4,8 @@
 
 namespace corvalen::springboard {
 
-// The platform's local notification: the state of the jack changed, in either direction.
+// The platform's local notification: the state of the jack changed, in either direction. Any
+// thread.
 void headphoneJackChanged(CFNotificationCenterRef, void*, CFStringRef, const void*, CFTypeRef);
 
 }  // namespace corvalen::springboard

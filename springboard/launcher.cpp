@@ -56,39 +56,40 @@ LaunchOptions launchOptionsFromSettings() {
 void launchPlayer(LaunchOptions options, NSString bundleIdentifier) {
   if (!versionIsSupported()) return;
   if (options.playLaunchSound) playSystemSound(kLaunchSound);
-  const SBApplication application = applicationForIdentifier(bundleIdentifier);
+  const auto application =
+      Retained<SBApplication>::retain(applicationForIdentifier(bundleIdentifier));
   if (lockScreenManager.isUILocked()) {
     if (!options.startHiddenWhenLocked)
       requestUnlock(/*wakeScreen=*/true);
-    else if (application.isRunning())  // never started hidden while locked
+    else if (application->isRunning())  // never started hidden while locked
       requestUnlock(/*wakeScreen=*/false);
     else
-      launchHidden(application, bundleIdentifier);
+      launchHidden(application.get(), bundleIdentifier);
     return;
   }
   // Unlike above, a running player is brought to the front even if a hidden start was asked for.
-  if (!options.startHiddenWhenUnlocked || application.isRunning())
+  if (!options.startHiddenWhenUnlocked || application->isRunning())
     SpringBoard::shared().launchApplication(bundleIdentifier, false);
   else
-    launchHidden(application, bundleIdentifier);
+    launchHidden(application.get(), bundleIdentifier);
 }
 
 PlayRedirect evaluatePlayRedirect() {
   resetPendingLaunch();
   const bool enabled = preferences::boolean(key::masterSwitch());
-  const NSString player = preferences::text(key::preferredPlayer());
-  const bool listed = isAppListed(player);
+  const auto player = preferences::text(key::preferredPlayer());
+  const bool listed = isAppListed(player.get());
   // A paused track counts as something that plays.
   if (mediaController.hasTrack()) return {Verdict::passThrough, {}};
   if (enabled && listed) return {Verdict::redirect, player};
-  if (enabled && player.length() == 0) return {Verdict::swallow, {}};
+  if (enabled && player->length() == 0) return {Verdict::swallow, {}};
   return {Verdict::passThrough, {}};
 }
 
 void completePendingLaunch() {
   if (!pendingUnlockLaunch) return;
   pendingUnlockLaunch = false;
-  NSString app;
+  Retained<NSString> app;
   if (pendingLaunchUsesPreferredPlayer) {
     app = preferences::text(key::preferredPlayer());
     if (!preferences::boolean(key::masterSwitch())) return;
@@ -96,7 +97,7 @@ void completePendingLaunch() {
     pendingLaunchUsesPreferredPlayer = true;
     app = preferences::text(key::musicReplacement());
   }
-  if (isAppListed(app)) SpringBoard::shared().launchApplication(app, false);
+  if (isAppListed(app.get())) SpringBoard::shared().launchApplication(app.get(), false);
 }
 
 bool isAppListed(NSString bundleIdentifier) {

@@ -14,7 +14,7 @@ enum class Verdict : uint8_t {
 
 struct PlayRedirect {
   Verdict verdict;
-  platform::NSString preferredPlayer;  // borrowed from the settings
+  platform::Retained<platform::NSString> preferredPlayer;  // for `redirect`
 };
 
 // Decides about a request to play, after forgetting any that waits.
@@ -31,7 +31,8 @@ struct LaunchOptions {
 LaunchOptions launchOptionsFromSettings();
 
 // Starts the app: in the foreground, suspended, or after the passcode unlock, by the options and by
-// what is locked and running. The caller has made sure that the app is listed.
+// what is locked and running. The caller has made sure that the app is listed, and holds the
+// identifier: a launch may run the run loop, in which anything can happen.
 void launchPlayer(LaunchOptions options, platform::NSString bundleIdentifier);
 
 // Carries out a launch that waited for the unlock. Runs at every unlock.
@@ -43,7 +44,8 @@ bool isAppListed(platform::NSString bundleIdentifier);
 // SpringBoard's object for an app; nothing if there is none. Borrowed.
 platform::SBApplication applicationForIdentifier(platform::NSString bundleIdentifier);
 
-// Marks the app's main scene as backgrounded or not, without a transition.
+// Marks the app's main scene as backgrounded or not, without a transition. The caller holds the
+// app.
 void setSceneBackgrounded(platform::SBApplication application, bool backgrounded);
 
 }  // namespace corvalen::springboard

@@ -6,15 +6,15 @@ namespace corvalen::springboard {
 
 // Only this combination is the user's cancelling; the platform hides the passcode entry in other
 // ways while an unlock goes on.
-void SetPasscodeLockVisible::replacement(id self, SEL name, BOOL visible, BOOL animated,
-                                         id completion) {
+ResultWord SetPasscodeLockVisible::replacement(id self, SEL name, BOOL visible, BOOL animated,
+                                               id completion) {
   if (!visible && animated && !completion) resetPendingLaunch();
-  previous(self, name, visible, animated, completion);
+  return previous(self, name, visible, animated, completion);
 }
 
-void HandleDisplayTurnedOff::replacement(id self, SEL name) {
+ResultWord HandleDisplayTurnedOff::replacement(id self, SEL name) {
   resetPendingLaunch();
-  previous(self, name);
+  return previous(self, name);
 }
 
 BOOL TouchesShouldCancel::replacement(id self, SEL name, id contentView) {

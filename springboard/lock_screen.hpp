@@ -7,14 +7,14 @@ namespace corvalen::springboard {
 
 // -[SBLockScreenViewController setPasscodeLockVisible:animated:completion:]
 struct SetPasscodeLockVisible {
-  static inline constinit platform::Previous<void(id, SEL, BOOL, BOOL, id)> previous{};
-  static void replacement(id self, SEL name, BOOL visible, BOOL animated, id completion);
+  static inline constinit platform::Previous<ResultWord(id, SEL, BOOL, BOOL, id)> previous{};
+  static ResultWord replacement(id self, SEL name, BOOL visible, BOOL animated, id completion);
 };
 
 // -[SBLockScreenViewController _handleDisplayTurnedOff]
 struct HandleDisplayTurnedOff {
-  static inline constinit platform::Previous<void(id, SEL)> previous{};
-  static void replacement(id self, SEL name);
+  static inline constinit platform::Previous<ResultWord(id, SEL)> previous{};
+  static ResultWord replacement(id self, SEL name);
 };
 
 // -[SBLockScreenScrollView touchesShouldCancelInContentView:]

@@ -31,29 +31,31 @@ void TransportControlTap::replacement(id self, SEL name, id view, NSInteger cont
   if (decision.verdict == Verdict::passThrough || controlType != playPauseControlType())
     return previous(self, name, view, controlType);
   if (decision.verdict == Verdict::redirect)
-    launchPlayer(launchOptionsFromSettings(), decision.preferredPlayer);
+    launchPlayer(launchOptionsFromSettings(), decision.preferredPlayer.get());
 }
 
 void TitleTap::replacement(id self, SEL name, id titlesView) {
   resetPendingLaunch();
-  const NSString replacement = musicReplacementForNowPlaying();
+  const auto replacement = musicReplacementForNowPlaying();
   if (!replacement) return previous(self, name, titlesView);
-  openMusicReplacement(replacement);
+  openMusicReplacement(replacement.get());
 }
 
 void IconLaunch::replacement(id self, SEL name, id icon) {
   const bool enabled = preferences::boolean(key::masterSwitch());
-  const NSString player = preferences::text(key::preferredPlayer());
-  const NSString app = view<SBIcon>(icon).applicationBundleID();
-  const bool running = applicationForIdentifier(app).isRunning();
-  if (enabled && player.length() != 0 && version() >= kIOS8 && running &&
-      app.isEqualToString(player)) {
+  const auto player = preferences::text(key::preferredPlayer());
+  const auto app = Retained<NSString>::retain(view<SBIcon>(icon).applicationBundleID());
+  const bool running = applicationForIdentifier(app.get()).isRunning();
+  if (enabled && player->length() != 0 && version() >= kIOS8 && running &&
+      app->isEqualToString(player.get())) {
     // Marked as backgrounded, the scene comes to the front by a normal transition. The lookup is by
     // bundle identifier on every version, unlike the one above.
     stopLaunchWatch();
-    setSceneBackgrounded(applicationController.applicationWithBundleIdentifier(app), true);
+    const auto application = Retained<SBApplication>::retain(
+        applicationController.applicationWithBundleIdentifier(app.get()));
+    setSceneBackgrounded(application.get(), true);
   }
-  if (startsPlayingByItself(app) && !running)
+  if (startsPlayingByItself(app.get()) && !running)
     skipNextPlaySignal =
         preferences::boolean(key::autoPlay()) && preferences::boolean(key::noAutoPlayFromIcon());
   previous(self, name, icon);
@@ -62,11 +64,12 @@ void IconLaunch::replacement(id self, SEL name, id icon) {
 BOOL ApplicationLaunch::replacement(id self, SEL name, id identifier, BOOL suspended) {
   if (version() >= kIOS8 && !suspended && preferences::boolean(key::masterSwitch())) {
     const NSString app = view<NSString>(identifier);
-    if (app.isEqualToString(preferences::text(key::preferredPlayer()))) {
-      const SBApplication player = applicationForIdentifier(app);
-      if (player.isRunning()) {
+    if (app.isEqualToString(preferences::text(key::preferredPlayer()).get())) {
+      // Held: the watch that is stopped may have been the last to hold it.
+      const auto player = Retained<SBApplication>::retain(applicationForIdentifier(app));
+      if (player->isRunning()) {
         stopLaunchWatch();
-        setSceneBackgrounded(player, true);
+        setSceneBackgrounded(player.get(), true);
       }
     }
   }

@@ -9,13 +9,13 @@ namespace corvalen::springboard {
 
 using namespace platform;
 
-NSString musicReplacementForNowPlaying() {
+Retained<NSString> musicReplacementForNowPlaying() {
   const NSString nowPlaying = mediaController.nowPlayingApplication().bundleIdentifier();
-  const NSString replacement = preferences::text(preferences::key::musicReplacement());
+  auto replacement = preferences::text(preferences::key::musicReplacement());
   const bool musicHoldsTrack =
       mediaController.hasTrack() && nowPlaying.isEqualToString("com.apple.Music"_ns);
-  const bool chosen = musicHoldsTrack && replacement.length() != 0;
-  if (!chosen || !ALApplicationList::cls() || !isAppListed(replacement)) return {};
+  const bool chosen = musicHoldsTrack && replacement->length() != 0;
+  if (!chosen || !ALApplicationList::cls() || !isAppListed(replacement.get())) return {};
   return replacement;
 }
 

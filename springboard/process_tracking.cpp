@@ -23,15 +23,15 @@ bool hiddenStartApplies() {
 }  // namespace
 
 void ProcessDidLaunch::replacement(id self, SEL name, id process) {
+  const auto application = Retained<SBApplication>::retain(view<SBApplication>(self));
   previous(self, name, process);
   const bool enabled = preferences::boolean(key::masterSwitch());
-  const NSString player = preferences::text(key::preferredPlayer());
-  const auto application = view<SBApplication>(self);
-  const NSString launched = application.bundleIdentifier();
-  if (!enabled || player.length() == 0) return;
-  if (!hiddenStartApplies() || !launched.isEqualToString(player)) return;
-  setSceneBackgrounded(application, false);
-  keepSceneAlive(application, player);
+  const auto player = preferences::text(key::preferredPlayer());
+  const NSString launched = application->bundleIdentifier();
+  if (!enabled || player->length() == 0) return;
+  if (!hiddenStartApplies() || !launched.isEqualToString(player.get())) return;
+  setSceneBackgrounded(application.get(), false);
+  keepSceneAlive(application.get(), player.get());
 }
 
 }  // namespace corvalen::springboard

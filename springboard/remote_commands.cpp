@@ -13,7 +13,7 @@ Boolean RemoteCommand::replacement(uint32_t command, id options) {
   const PlayRedirect decision = evaluatePlayRedirect();
   if (decision.verdict == Verdict::passThrough) return previous(command, options);
   if (decision.verdict == Verdict::redirect)
-    launchPlayer(launchOptionsFromSettings(), decision.preferredPlayer);
+    launchPlayer(launchOptionsFromSettings(), decision.preferredPlayer.get());
   return 0;
 }
 

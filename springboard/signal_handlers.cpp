@@ -20,8 +20,8 @@ void playerStarted(CFNotificationCenterRef, void*, CFStringRef, const void*, CFT
 // The master switch is not asked: the app that posts has read it from the file.
 void launchRequested(CFNotificationCenterRef, void*, CFStringRef, const void*, CFTypeRef) {
   resetPendingLaunch();
-  const platform::NSString player = preferences::text(preferences::key::preferredPlayer());
-  if (isAppListed(player)) launchPlayer(launchOptionsFromSettings(), player);
+  const auto player = preferences::text(preferences::key::preferredPlayer());
+  if (isAppListed(player.get())) launchPlayer(launchOptionsFromSettings(), player.get());
 }
 
 void toggleRequested(CFNotificationCenterRef, void*, CFStringRef, const void*, CFTypeRef) {

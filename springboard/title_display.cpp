@@ -33,11 +33,13 @@ void TitlesViewDealloc::replacement(id self, SEL name) {
 }
 
 void UpdateNowPlayingAppDisplayName::replacement(id self, SEL name, id displayName) {
-  const NSString player = preferences::text(key::preferredPlayer());
+  const auto player = preferences::text(key::preferredPlayer());
   const bool enabled = preferences::boolean(key::masterSwitch());
   if (!enabled) return previous(self, name, displayName);
-  if (player.length() == 0) return previous(self, name, (""_ns).raw);
-  previous(self, name, applicationForIdentifier(player).displayName().raw);
+  if (player->length() == 0) return previous(self, name, (""_ns).raw);
+  const auto shown =
+      Retained<NSString>::retain(applicationForIdentifier(player.get()).displayName());
+  previous(self, name, shown.get().raw);
 }
 
 }  // namespace corvalen::springboard

@@ -14,51 +14,61 @@ namespace key = preferences::key;
 
 namespace {
 
+constexpr ResultWord kTakenOver = 0;
+
 // What three of the widgets do: their own action, unless Music would open and is replaced.
-void openNowPlayingApp(id self, SEL name, Previous<void(id, SEL)> previous) {
+template <class Hook>
+ResultWord openNowPlayingApp(id self, SEL name) {
   resetPendingLaunch();
-  const NSString replacement = musicReplacementForNowPlaying();
-  if (!replacement) return previous(self, name);
-  openMusicReplacement(replacement);
+  const auto replacement = musicReplacementForNowPlaying();
+  if (!replacement) return Hook::previous(self, name);
+  openMusicReplacement(replacement.get());
+  return kTakenOver;
 }
 
 // Auxo was asked for Music while a track is held. False: Auxo shall do it.
 bool openInsteadOfHeldMusic() {
-  const NSString replacement = preferences::text(key::musicReplacement());
-  if (!isAppListed(replacement)) return false;
-  openMusicReplacement(replacement);
+  const auto replacement = preferences::text(key::musicReplacement());
+  if (!isAppListed(replacement.get())) return false;
+  openMusicReplacement(replacement.get());
   return true;
 }
 
 // Auxo was asked for Music while nothing is loaded. False: Auxo shall do it.
 bool openInsteadOfSilentMusic() {
   const bool enabled = preferences::boolean(key::masterSwitch());
-  const NSString player = preferences::text(key::preferredPlayer());
+  const auto player = preferences::text(key::preferredPlayer());
   if (!enabled) return false;
-  if (player.length() == 0) return true;  // swallowed: redirection is on, but to nothing
-  if (!isAppListed(player)) return false;
-  launchPlayer(launchOptionsFromSettings(), player);
+  if (player->length() == 0) return true;  // swallowed: redirection is on, but to nothing
+  if (!isAppListed(player.get())) return false;
+  launchPlayer(launchOptionsFromSettings(), player.get());
   return true;
 }
 
 }  // namespace
 
-void AcapellaOpenApp::replacement(id self, SEL name) { openNowPlayingApp(self, name, previous); }
-void Acapella2OpenApp::replacement(id self, SEL name) { openNowPlayingApp(self, name, previous); }
-void MiniPlayerOpenApp::replacement(id self, SEL name) { openNowPlayingApp(self, name, previous); }
+ResultWord AcapellaOpenApp::replacement(id self, SEL name) {
+  return openNowPlayingApp<AcapellaOpenApp>(self, name);
+}
+ResultWord Acapella2OpenApp::replacement(id self, SEL name) {
+  return openNowPlayingApp<Acapella2OpenApp>(self, name);
+}
+ResultWord MiniPlayerOpenApp::replacement(id self, SEL name) {
+  return openNowPlayingApp<MiniPlayerOpenApp>(self, name);
+}
 
 // A card names its app; only a call without one is the now-playing control. The app asked for is
 // the argument here, not what the media controller holds.
-void AuxoActivateApplication::replacement(id self, SEL name, id identifier, id cell) {
+ResultWord AuxoActivateApplication::replacement(id self, SEL name, id identifier, id cell) {
   resetPendingLaunch();
   const bool asksForMusic =
       !cell && view<NSString>(identifier).isEqualToString("com.apple.Music"_ns);
   if (asksForMusic && ALApplicationList::cls()) {
     const bool opened =
         mediaController.hasTrack() ? openInsteadOfHeldMusic() : openInsteadOfSilentMusic();
-    if (opened) return;
+    if (opened) return kTakenOver;
   }
-  previous(self, name, identifier, cell);
+  return previous(self, name, identifier, cell);
 }
 
 }  // namespace corvalen::springboard

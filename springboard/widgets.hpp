@@ -7,26 +7,26 @@ namespace corvalen::springboard {
 
 // Acapella: -[MPUSystemMediaControlsViewController action_OpenApp]
 struct AcapellaOpenApp {
-  static inline constinit platform::Previous<void(id, SEL)> previous{};
-  static void replacement(id self, SEL name);
+  static inline constinit platform::Previous<ResultWord(id, SEL)> previous{};
+  static ResultWord replacement(id self, SEL name);
 };
 
 // Acapella2: -[MPUSystemMediaControlsViewController action_openapp]
 struct Acapella2OpenApp {
-  static inline constinit platform::Previous<void(id, SEL)> previous{};
-  static void replacement(id self, SEL name);
+  static inline constinit platform::Previous<ResultWord(id, SEL)> previous{};
+  static ResultWord replacement(id self, SEL name);
 };
 
 // Auxo: -[AuxoCollectionView activateApplicationWithDisplayIdentifier:fromCell:]
 struct AuxoActivateApplication {
-  static inline constinit platform::Previous<void(id, SEL, id, id)> previous{};
-  static void replacement(id self, SEL name, id identifier, id cell);
+  static inline constinit platform::Previous<ResultWord(id, SEL, id, id)> previous{};
+  static ResultWord replacement(id self, SEL name, id identifier, id cell);
 };
 
 // MiniPlayer: -[MPMiniPlayerActionsDelegate openNowPlayingApp]
 struct MiniPlayerOpenApp {
-  static inline constinit platform::Previous<void(id, SEL)> previous{};
-  static void replacement(id self, SEL name);
+  static inline constinit platform::Previous<ResultWord(id, SEL)> previous{};
+  static ResultWord replacement(id self, SEL name);
 };
 
 }  // namespace corvalen::springboard

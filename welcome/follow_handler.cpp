@@ -4,7 +4,7 @@
 #include "loader/signals.hpp"
 #include "platform/accounts.hpp"
 #include "platform/added_method.hpp"
-#include "platform/block.hpp"
+#include "platform/main_queue.hpp"
 
 namespace corvalen::welcome {
 
@@ -38,12 +38,6 @@ void markWelcomeAnswered() {
 void showThanks(NSString title, NSString message) {
   UIAlertView::make(UIAlertView::cls(), title, message, Object{}, "You're welcome!"_ns, NSString{})
       ->show();
-}
-
-template <class Work>
-void onMainQueue(Work work) {
-  auto later = block<void()>(std::move(work));
-  dispatch_async(&_dispatch_main_q, later.object().raw);
 }
 
 void showAccountChoice(Object handler, NSArray accounts) {
@@ -126,15 +120,17 @@ void openTwitter(id, SEL) {
       NSURL::URLWithString("http://twitter.com/"_ns.stringByAppendingString("qarrenvolt"_ns)));
 }
 
+// An alert that the system takes away may name a button that is none: nobody follows then.
 void accountsChosen(id self, id alert, NSInteger button) {
   markWelcomeAnswered();
-  const auto accounts = view<NSArray>(objc_getAssociatedObject(alert, accountsKey()));
+  const auto accounts =
+      Retained<NSArray>::retain(view<NSArray>(objc_getAssociatedObject(alert, accountsKey())));
+  const auto chosen = static_cast<NSUInteger>(button - 1);
   if (button == kAllAccountsButton)
-    enumerate(accounts,
+    enumerate(accounts.get(),
               [self](Object account) { send<"followWithAccount:">(view(self), account); });
-  else
-    send<"followWithAccount:">(view(self),
-                               accounts.objectAtIndex(static_cast<NSUInteger>(button - 1)));
+  else if (button > 0 && chosen < accounts->count())
+    send<"followWithAccount:">(view(self), accounts->objectAtIndex(chosen));
   showThanks("All done!"_ns,
              "\nYou're awesome <3.\n\nThanks for following me. I hope you enjoy using Corvalen "
              "Pro!"_ns);

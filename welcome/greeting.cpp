@@ -91,10 +91,11 @@ bool isReachable(uint32_t flags) {
   return (flags & kCellular) != 0;
 }
 
-void FinishUIUnlock::replacement(id self, SEL name, int source) {
-  previous(self, name, source);
+ResultWord FinishUIUnlock::replacement(id self, SEL name, int source) {
+  const ResultWord result = previous(self, name, source);
   greet();
   springboard::completePendingLaunch();
+  return result;
 }
 
 }  // namespace corvalen::welcome

@@ -7,8 +7,8 @@ namespace corvalen::welcome {
 // -[SBLockScreenViewController finishUIUnlockFromSource:]: greets the user once, then carries out a
 // launch that waited for the unlock.
 struct FinishUIUnlock {
-  static inline constinit platform::Previous<void(id, SEL, int)> previous{};
-  static void replacement(id self, SEL name, int source);
+  static inline constinit platform::Previous<ResultWord(id, SEL, int)> previous{};
+  static ResultWord replacement(id self, SEL name, int source);
 };
 
 // Whether a network is reachable without the user's doing, from the flags of the route to the
