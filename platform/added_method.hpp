@@ -1,5 +1,8 @@
-// Methods that this library adds to classes, and the rows of the tables that add them.
+// Methods and properties that this library adds to classes, and the rows of the tables that add
+// them.
 #pragma once
+#include <iterator>
+
 #include "platform/encoding.hpp"
 #include "platform/selector.hpp"
 
@@ -34,6 +37,14 @@ template <size_t Count>
 void addMethods(Class cls, const AddedMethod (&rows)[Count]) {
   if (!cls) return;
   for (const AddedMethod& row : rows) row.add(cls, sel_registerName(row.selectorName));
+}
+
+// Declares properties that hold blocks (copy, nonatomic) in `cls`; nothing where it is missing.
+template <size_t Count>
+void addCopiedBlockProperties(Class cls, const char* const (&names)[Count]) {
+  if (!cls) return;
+  static constexpr objc_property_attribute_t kAttributes[] = {{"T", "@?"}, {"C", ""}, {"N", ""}};
+  for (const char* name : names) class_addProperty(cls, name, kAttributes, std::size(kAttributes));
 }
 
 // The class that holds a class's class methods. Null for null.

@@ -32,13 +32,18 @@ void checkDelegate(id self, SEL) {
 }
 
 template <Literal Getter>
-BlockPointer callback(id self, SEL) {
-  return reinterpret_cast<BlockPointer>(objc_getAssociatedObject(self, &kCallbackKey<Getter>));
+Object callbackOf(id alert) {
+  return view(objc_getAssociatedObject(alert, &kCallbackKey<Getter>));
 }
 
 template <Literal Getter>
-void setCallback(id self, SEL, BlockPointer block) {
-  send<"_checkAlertViewDelegate">(view(self));
+BlockPointer callback(id self, SEL) {
+  return reinterpret_cast<BlockPointer>(callbackOf<Getter>(self).raw);
+}
+
+template <Literal Getter>
+void setCallback(id self, SEL name, BlockPointer block) {
+  checkDelegate(self, name);
   objc_setAssociatedObject(self, &kCallbackKey<Getter>, reinterpret_cast<id>(block),
                            static_cast<uintptr_t>(Association::copy));
 }
@@ -49,26 +54,34 @@ bool answers(Object delegate, SEL name) {
   return delegate && as<NSObject>(delegate).respondsTo(name);
 }
 
-// A message about the alert alone: the callback, then the previous delegate.
+// The callback, then the previous delegate. Held over the callback: it may give the alert another
+// one, or let the alert itself go.
+template <Literal Getter, class... More>
+void tell(id self, SEL name, id alert, More... more) {
+  const auto alive = Retained<Object>::retain(view(self));
+  const auto block = Retained<Object>::retain(callbackOf<Getter>(alert));
+  invokeBlock(block.get(), alert, more...);
+  const Object delegate = previousDelegate(self);
+  if (answers(delegate, name)) sendNamed(delegate, name, alert, more...);
+}
+
+// A message about the alert alone.
 template <Literal Getter>
 void deliver(id self, SEL name, id alert) {
-  invokeBlock(send<Getter, Object>(view(alert)), alert);
-  const Object delegate = previousDelegate(self);
-  if (answers(delegate, name)) sendNamed(delegate, name, alert);
+  tell<Getter>(self, name, alert);
 }
 
 // A message about one of the alert's buttons.
 template <Literal Getter>
 void deliverButton(id self, SEL name, id alert, NSInteger button) {
-  invokeBlock(send<Getter, Object>(view(alert)), alert, button);
-  const Object delegate = previousDelegate(self);
-  if (answers(delegate, name)) sendNamed(delegate, name, alert, button);
+  tell<Getter>(self, name, alert, button);
 }
 
 // The one question among them: the callback's answer, else the previous delegate's, else YES.
 BOOL shouldEnableFirstOtherButton(id self, SEL name, id alert) {
-  const Object block = send<"shouldEnableFirstOtherButtonInOurBlock", Object>(view(alert));
-  if (block) return invokeBlock<BOOL>(block, alert);
+  const auto block =
+      Retained<Object>::retain(callbackOf<"shouldEnableFirstOtherButtonInOurBlock">(alert));
+  if (block) return invokeBlock<BOOL>(block.get(), alert);
   const Object delegate = previousDelegate(self);
   return answers(delegate, name) ? sendNamed<BOOL>(delegate, name, alert) : YES;
 }
@@ -84,7 +97,9 @@ UIAlertView show(ClassObject cls, NSString title, NSString message, NSInteger st
   if (others > 1)
     enumerate(otherTitles.subarrayWithRange(1, others - 1),
               [&alert](Object other) { alert->addButton(as<NSString>(other)); });
-  if (response) send<"setResponseBlock:">(alert.get(), response);
+  if (response)
+    setCallback<"responseBlock">(alert.get().raw, selector<"setResponseBlock:">(),
+                                 reinterpret_cast<BlockPointer>(response.raw));
   alert->show();
   objc_retain(alert.get().raw);
   return view<UIAlertView>(objc_autorelease(alert.get().raw));
@@ -106,7 +121,8 @@ id showWithDefaultStyle(id self, SEL name, id title, id message, id cancelTitle,
                        response);
 }
 
-// ---- The category
+// ---- The category. A method that the class has already, by an app or another extension, stays as
+// it is: so nothing above goes by a message to what is added here.
 
 constexpr AddedMethod kClassMethods[] = {
     addedMethod<&showWithStyle,
@@ -143,6 +159,16 @@ constexpr AddedMethod kMethods[] = {
     addedMethod<&shouldEnableFirstOtherButton, "alertViewShouldEnableFirstOtherButton:">(),
 };
 
+constexpr const char* kProperties[] = {
+    "responseBlock",
+    "willDismissOurBlock",
+    "didDismissOurBlock",
+    "willPresentOurBlock",
+    "didPresentOurBlock",
+    "cancelOurBlock",
+    "shouldEnableFirstOtherButtonInOurBlock",
+};
+
 }  // namespace
 
 UIAlertView showAlert(NSString title, NSString message, NSString cancelTitle, NSArray otherTitles,
@@ -155,6 +181,7 @@ void registerAlertCategory() {
   const Class cls = UIAlertView::cls().cls();
   addMethods(metaclassOf(cls), kClassMethods);
   addMethods(cls, kMethods);
+  addCopiedBlockProperties(cls, kProperties);
 }
 
 }  // namespace corvalen::ui
