@@ -37,6 +37,7 @@ const std::vector<ClassDefinition>& classDefinitions() {
       defineApplicationObjects(),
       defineSBApplication(),
       defineSBApplicationController(),
+      defineShown(),
       defineSBLockScreenManager(),
       defineSBLockScreenViewController(),
       defineSBLockScreenScrollView(),

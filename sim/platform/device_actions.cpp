@@ -122,24 +122,24 @@ void tapTitle(Device& device) {
 void tapIcon(Device& device, const std::string& app) {
   sendTo(device, "SBIconController", "_launchIcon:", [&](Process& p) {
     if (!p.findClass("SBApplicationIcon")) return std::vector<Value>{Value::nil()};
-    const auto icon = p.make<SBApplicationIcon>("SBApplicationIcon", app);
-    return std::vector<Value>{Value::object(p.autorelease(icon)->address)};
+    return std::vector<Value>{Value::object(iconOf(p, app)->address)};
   });
 }
 
 void nowPlaying(Device& device, bool anything) { tellNowPlaying(springBoard(device), anything); }
 
-void headphones(Device& device, bool connected) {
+void headphones(Device& device, bool connected, Thread thread) {
   Process& process = springBoard(device);
   device.state.headphones = connected;
-  device.callback(process, [&] {
+  const auto post = [&] {
     const auto observers = process.observers;
     for (const auto& observer : observers)
       if (!observer.darwin &&
           observer.name == "AVSystemController_HeadphoneJackIsConnectedDidChangeNotification")
         process.library().call(observer.callback, Kind::Void,
                                std::vector<Value>(5, Value::of(Kind::Pointer, 0)));
-  });
+  };
+  device.callback(process, post, thread);
 }
 
 void quitCard(Device& device, const std::string& app) {
@@ -157,8 +157,7 @@ void quitCard(Device& device, const std::string& app) {
   const std::string selector = version < kNewerSwitcherModel ? "removeDisplayItem:" : "remove:";
   sendTo(device, "SBAppSwitcherModel", selector, [&](Process& p) {
     if (!p.findClass("SBDisplayItem")) return std::vector<Value>{Value::nil()};
-    const auto item = p.make<SBDisplayItem>("SBDisplayItem", app);
-    return std::vector<Value>{Value::object(p.autorelease(item)->address)};
+    return std::vector<Value>{Value::object(switcherItem(p, app)->address)};
   });
 }
 
@@ -244,25 +243,27 @@ void auxoWidget(Device& device, const std::string& app, bool withCell) {
 
 namespace {
 
-std::optional<bool> sendCommand(Process& process, unsigned command) {
+std::optional<bool> sendCommand(Process& process, unsigned command, Thread thread) {
   std::optional<bool> answer;
-  process.device.callback(process, [&] {
+  const auto send = [&] {
     answer = process
                  .callFunction("MRMediaRemoteSendCommand",
                                {Value::integer(Kind::UInt32, command), Value::nil()})
                  .asBool();
-  });
+  };
+  process.device.callback(process, send, thread);
   return answer;
 }
 
 }  // namespace
 
 std::optional<bool> remote(Device& device, unsigned command) {
-  return sendCommand(springBoard(device), command);
+  return sendCommand(springBoard(device), command, Thread::Main);
 }
 
-std::optional<bool> remoteIn(Device& device, unsigned command, const std::string& app) {
-  return sendCommand(runningApp(device, app), command);
+std::optional<bool> remoteIn(Device& device, unsigned command, const std::string& app,
+                             Thread thread) {
+  return sendCommand(runningApp(device, app), command, thread);
 }
 
 void newController(Device& device) {

@@ -24,7 +24,8 @@ void tapTransport(Device& device, long controlType);
 void tapTitle(Device& device);
 void tapIcon(Device& device, const std::string& app);
 void nowPlaying(Device& device, bool anything);
-void headphones(Device& device, bool connected);
+// The local notification is delivered inside the call that posts it, on the thread that does.
+void headphones(Device& device, bool connected, Thread thread = Thread::Main);
 void quitCard(Device& device, const std::string& app);
 void unlock(Device& device);
 void passcode(Device& device, bool visible, bool animated, bool completion);
@@ -46,7 +47,8 @@ void auxoWidget(Device& device, const std::string& app, bool withCell);
 
 // ---- Media commands; nothing if the process died of it
 std::optional<bool> remote(Device& device, unsigned command);
-std::optional<bool> remoteIn(Device& device, unsigned command, const std::string& app);
+std::optional<bool> remoteIn(Device& device, unsigned command, const std::string& app,
+                             Thread thread = Thread::Main);
 void newController(Device& device);
 void watchCommand(Device& device, long command);
 

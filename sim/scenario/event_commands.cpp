@@ -1,6 +1,7 @@
 // Commands that make something happen.
 #include "sim/platform/device_actions.hpp"
 #include "sim/scenario/commands.hpp"
+#include "sim/scenario/script.hpp"
 
 namespace sim::scenario {
 
@@ -8,6 +9,13 @@ namespace {
 
 constexpr long long kMostInt = 2147483647;
 constexpr long long kMostCommand = 4294967295;
+
+// The main thread, unless the line ends in `off-main`.
+Thread optionalThread(Arguments& words) {
+  if (words.atEnd()) return Thread::Main;
+  words.oneOf({"off-main"});
+  return Thread::Other;
+}
 
 Action bootCommand(Arguments&) { return doing(boot); }
 
@@ -44,7 +52,8 @@ Action remoteCommand(Arguments& words) {
   if (words.atEnd()) return [=](Device& device) { return remote(device, number); };
   words.oneOf({"in"});
   const std::string id = words.identifier();
-  return [=](Device& device) { return remoteIn(device, number, id); };
+  const Thread thread = optionalThread(words);
+  return [=](Device& device) { return remoteIn(device, number, id, thread); };
 }
 
 Action newControllerCommand(Arguments&) { return doing(newController); }
@@ -56,7 +65,8 @@ Action watchCommandLine(Arguments& words) {
 
 Action headphonesCommand(Arguments& words) {
   const bool connected = words.oneOf({"in", "out"}) == 0;
-  return doing([=](Device& device) { headphones(device, connected); });
+  const Thread thread = optionalThread(words);
+  return doing([=](Device& device) { headphones(device, connected, thread); });
 }
 
 Action nowPlayingCommand(Arguments& words) {
@@ -121,6 +131,24 @@ Action announceCommand(Arguments&) {
   return doing([](Device& device) { device.postDarwin("bfaK8ayWXeXMQum"); });
 }
 
+// What would be a mistake of the scenario by itself is left out here: by then the device may be in
+// no state for it.
+Action duringCommand(Arguments& words) {
+  const std::string name = words.bare("a selector or function");
+  const std::string line = words.quoted("a command");
+  const auto content = parseLine(line);
+  const auto* command = content ? std::get_if<Command>(&*content) : nullptr;
+  if (!command) throw SyntaxError("during: a command expected, not \"" + line + "\"");
+  return doing([name, run = command->run](Device& device) {
+    device.during(name, [&device, run] {
+      try {
+        run(device);
+      } catch (const ActionError&) {
+      }
+    });
+  });
+}
+
 Action advanceCommand(Arguments& words) {
   const Microseconds span = words.seconds();
   return doing([=](Device& device) { device.advance(span); });
@@ -154,6 +182,7 @@ const std::vector<CommandRow>& eventCommands() {
       {"post", postCommand},
       {"announce", announceCommand},
       {"advance", advanceCommand},
+      {"during", duringCommand},
   };
   return rows;
 }

@@ -12,6 +12,7 @@ ClassDefinition defineSBApplicationController();
 ClassDefinition defineFBScene();
 ClassDefinition defineFBSMutableSceneSettings();
 // What the user sees
+ClassDefinition defineShown();
 ClassDefinition defineSBLockScreenManager();
 ClassDefinition defineSBLockScreenViewController();
 ClassDefinition defineSBLockScreenScrollView();

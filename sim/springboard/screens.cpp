@@ -35,12 +35,28 @@ Object* lockScreenViewController(Face& self) {
   return self.process.findClass(name) ? &self.process.shared<Face>(name) : nullptr;
 }
 
-// The icon's app, by SpringBoard's own message, which may be hooked.
+// What is shown, held by this alone.
+class Shown final : public Object {
+ public:
+  using Object::Object;
+  std::vector<Ref<Object>> all;
+  void drop(const Object* going) {
+    std::erase_if(all, [&](const auto& object) { return object.get() == going; });
+  }
+};
+Shown& shown(Process& process) { return process.shared<Shown>("_SBShown"); }
+
+// The icon's app, by SpringBoard's own message, which may be hooked. The icon may go with the page
+// that it is on.
 void launchIcon(Face& self, SBApplicationIcon* icon) {
   if (!icon) return;
+  const Ref<NSString> app(icon->applicationBundleID());
+  shown(self.process).drop(icon);
   self.process.send(sharedApplication(self.process), "launchApplicationWithIdentifier:suspended:",
-                    {Value::object(icon->applicationBundleID()->address), Value::boolean(false)});
+                    {Value::object(app->address), Value::boolean(false)});
 }
+
+void removeItem(Face& self, Object* item) { shown(self.process).drop(item); }
 
 Ref<NSString> displayIdAtIndex(Face& self, unsigned long index) {
   const auto& apps = self.state().apps;
@@ -49,6 +65,22 @@ Ref<NSString> displayIdAtIndex(Face& self, unsigned long index) {
 }
 
 }  // namespace
+
+SBApplicationIcon* iconOf(Process& springBoard, const std::string& app) {
+  const auto icon = springBoard.make<SBApplicationIcon>("SBApplicationIcon", app);
+  shown(springBoard).all.emplace_back(icon);
+  return icon.get();
+}
+
+SBDisplayItem* switcherItem(Process& springBoard, const std::string& app) {
+  const auto item = springBoard.make<SBDisplayItem>("SBDisplayItem", app);
+  shown(springBoard).all.emplace_back(item);
+  return item.get();
+}
+
+ClassDefinition defineShown() {
+  return ClassDefinition::of<Shown>("_SBShown", "NSObject", Home::springBoard());
+}
 
 ClassDefinition defineSBLockScreenManager() {
   auto definition = defineFace("SBLockScreenManager");
@@ -130,8 +162,9 @@ ClassDefinition defineSBAppSliderController() {
 
 ClassDefinition defineSBAppSwitcherModel() {
   auto definition = defineFace("SBAppSwitcherModel");
-  definition.code(quiet<void, Object*>("removeDisplayItem:")).effect();
-  definition.code(quiet<void, Object*>("remove:")).effect();
+  definition.code(detail::methodCode<Face, void, Object*>("removeDisplayItem:", removeItem))
+      .effect();
+  definition.code(detail::methodCode<Face, void, Object*>("remove:", removeItem)).effect();
   return definition;
 }
 

@@ -24,4 +24,9 @@ class SBDisplayItem final : public Object {
   Ref<NSString> identifier_;
 };
 
+// Objects that SpringBoard holds until the call that they are passed to lets go of them: the icon
+// that is launched, the item that leaves the switcher. Borrowed.
+SBApplicationIcon* iconOf(Process& springBoard, const std::string& app);
+SBDisplayItem* switcherItem(Process& springBoard, const std::string& app);
+
 }  // namespace sim
