@@ -14,9 +14,19 @@ class MTPlayer final : public Object {
  public:
   using Object::Object;
   void play() {
-    if (!reluctance.nudged() || playing) return;
-    playing = true;
-    beginPlaying(process.device, process.identifier);
+    const Ref<Object> alive(this);
+    if (reluctance.nudged() && !playing) {
+      playing = true;
+      beginPlaying(process.device, process.identifier);
+    }
+    if (temperOf(process).replaced) replace();
+  }
+  // Another object that goes on where this one was.
+  void replace() {
+    const auto next = process.make<MTPlayer>("MTPlayer");
+    next->reluctance = reluctance;
+    next->playing = playing;
+    process.replaceShared("MTPlayer", next);
   }
 
   Reluctance reluctance;
@@ -30,18 +40,28 @@ MTPlayer* sharedPlayer(Process& process) {
 class MTPlayerViewController final : public Object {
  public:
   using Object::Object;
-  MTPlayer* player() { return sharedPlayer(process); }
+  MTPlayer* player() { return vanishing_.isGone(process) ? nullptr : sharedPlayer(process); }
+
+ private:
+  Vanishing vanishing_;
 };
 
 class MTPlayerController final : public Object {
  public:
   using Object::Object;
-  MTPlayer* player() { return sharedPlayer(process); }
+  MTPlayer* player() { return vanishing_.isGone(process) ? nullptr : sharedPlayer(process); }
   Object* playerViewController() {
     const std::string name = "MTPlayerViewController";
     return process.findClass(name) ? &process.shared<MTPlayerViewController>(name) : nullptr;
   }
-  bool isPlaying() { return player() && player()->playing; }
+  bool isPlaying() {
+    const auto& reports = temperOf(process).reports;
+    const MTPlayer* player = sharedPlayer(process);
+    return reports ? reports->playing : player && player->playing;
+  }
+
+ private:
+  Vanishing vanishing_;
 };
 
 Object* sharedController(Class& cls) {

@@ -6,10 +6,8 @@
 
 namespace sim {
 
-Reluctance::Reluctance(Process& process) {
-  const auto& set = process.device.state.playerAfter;
-  const auto found = set.find(process.identifier);
-  after_ = found == set.end() ? std::optional<int>(1) : found->second;
+const PlayerTemper& temperOf(const Process& process) {
+  return process.device.state.players[process.identifier];
 }
 
 namespace {
@@ -19,8 +17,14 @@ class SPTPlayer;
 class SPTPlayerState final : public Object {
  public:
   using Object::Object;
-  bool isPlaying() const { return phase == Phase::Playing; }
-  bool isPaused() const { return phase == Phase::Paused; }
+  bool isPlaying() const {
+    const auto& reports = temperOf(process).reports;
+    return reports ? reports->playing : phase == Phase::Playing;
+  }
+  bool isPaused() const {
+    const auto& reports = temperOf(process).reports;
+    return reports ? reports->paused : phase == Phase::Paused;
+  }
 
   enum class Phase : std::uint8_t { Idle, Playing, Paused } phase = Phase::Idle;
 };
@@ -36,6 +40,7 @@ class SPTPlayer final : public Object {
   void setPaused(bool paused) {
     using Phase = SPTPlayerState::Phase;
     if (!playerState()) return;
+    const Ref<Object> alive(this);
     SPTPlayerState& state = *playerState();
     const bool starts = !paused && reluctance.nudged() && state.phase == Phase::Idle;
     if (starts) {
@@ -48,6 +53,13 @@ class SPTPlayer final : public Object {
       state.phase = Phase::Playing;
       setTrackPlaying(process.device, process.identifier, true);
     }
+    if (temperOf(process).replaced) replace();
+  }
+  // Another object that goes on where this one was.
+  void replace() {
+    const auto next = process.make<SPTPlayer>("SPTPlayer");
+    next->reluctance = reluctance;
+    process.replaceShared("SPTPlayer", next);
   }
 
   Reluctance reluctance;
@@ -57,13 +69,18 @@ class PlaybackController final : public Object {
  public:
   using Object::Object;
   Object* init(SPTPlayer* given, Object*, Object*, Object*, Object*) {
-    player_ = Ref<SPTPlayer>(given);
+    hasPlayer_ = given != nullptr;
     return this;
   }
-  SPTPlayer* player() const { return player_.get(); }
+  // The app's one player, whichever object that is by now.
+  SPTPlayer* player() {
+    if (!hasPlayer_ || vanishing_.isGone(process)) return nullptr;
+    return &process.shared<SPTPlayer>("SPTPlayer");
+  }
 
  private:
-  Ref<SPTPlayer> player_;
+  bool hasPlayer_ = false;
+  Vanishing vanishing_;
 };
 
 bool didFinishLaunching(Object&, Object*, Object*) { return true; }

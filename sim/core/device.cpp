@@ -168,12 +168,16 @@ void Device::during(const std::string& name, std::function<void()> work) {
   interruptions_.emplace_back(name, std::move(work));
 }
 
+bool Device::isInterruptedAt(const std::string& name) const {
+  return std::ranges::any_of(interruptions_, [&](const auto& one) { return one.first == name; });
+}
+
 void Device::interrupt(Process& process, const std::string& name) {
-  const auto waiting = std::ranges::find(interruptions_, name,
-                                         &std::pair<std::string, std::function<void()>>::first);
-  if (waiting == interruptions_.end()) return;
+  const auto waiting =
+      std::ranges::find_if(interruptions_, [&](const auto& one) { return one.first == name; });
   const auto work = std::move(waiting->second);
   interruptions_.erase(waiting);
+  ++interrupted_;
   work();
   drain();
   if (process.ended) throw Fault("the process has ended");

@@ -38,6 +38,18 @@ struct Track {
   bool playing = false;
 };
 
+// How a player app differs from one that is well-behaved.
+struct PlayerTemper {
+  std::optional<int> after = 1;  // nudges until it plays; none: never. From its next start on
+  bool replaced = false;  // every nudge puts another player object in the place of the one told
+  unsigned vanishes = 0;  // every so many times that it is asked for there is no player
+  struct Report {
+    bool playing;
+    bool paused;
+  };
+  std::optional<Report> reports;  // its state as it says, whatever it is
+};
+
 struct DeviceState {
   double version = 1145.15;
   std::vector<App> apps{{kMusic, "Music"}};  // in the order in which they were installed
@@ -49,7 +61,7 @@ struct DeviceState {
   bool headphones = false;
   std::optional<std::string> front;  // the front-most app
   std::optional<Track> track;
-  std::map<std::string, std::optional<int>> playerAfter;  // nudges until it plays; none: never
+  std::map<std::string, PlayerTemper> players;  // by app; well-behaved unless set
   std::vector<std::string> accounts;
   bool accountsGranted = true;
   std::optional<std::uint32_t> networkFlags = 0x2;
@@ -95,8 +107,10 @@ class Device {
   // The next time that a platform implementation of that name (selector or function) runs, `work`
   // happens in the middle of it, as it does where one runs the run loop.
   void during(const std::string& name, std::function<void()> work);
+  bool isInterruptedAt(const std::string& name) const;
   // Runs what waits for that name. Throws if `process` has ended by it.
   void interrupt(Process& process, const std::string& name);
+  std::size_t interrupted() const { return interrupted_; }  // how often, so far
   // Work to be done after the running callback. With a process, it goes when the process ends.
   void enqueue(Process* process, std::function<void()> work);
   void drain();
@@ -126,6 +140,7 @@ class Device {
   std::list<std::unique_ptr<Process>> dead_;  // kept until nothing of theirs runs any more
   std::deque<Queued> queue_;
   std::size_t steps_ = 0;
+  std::size_t interrupted_ = 0;
   int depth_ = 0;  // callbacks running
   std::uint64_t started_ = 0;
   Address nextObject_;

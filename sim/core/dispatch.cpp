@@ -87,7 +87,11 @@ Value Process::runNative(const NativeCode& code, Invocation& invocation) {
     else
       device.otherCall(*this, call);
   }
-  if (!code.relay) device.interrupt(*this, code.name);
+  Ref<Object> alive;  // whoever sent the message holds its receiver until it is over
+  if (!code.relay && device.isInterruptedAt(code.name)) {
+    alive = Ref<Object>(invocation.self);
+    device.interrupt(*this, code.name);
+  }
   Injection* injection = device.injection;
   if (!injection || code.relay || invocation.caller != Caller::Library) return code.run(invocation);
   if (const auto answer = injection->instead(code, invocation)) return *answer;

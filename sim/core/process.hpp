@@ -64,6 +64,10 @@ class Process {
     if (!slot) slot = make<T>(className);
     return static_cast<T&>(*slot);
   }
+  // Puts another object in its place; the one before lives on only if somebody else holds it.
+  void replaceShared(const std::string& className, Ref<Object> object) {
+    shared_[className] = std::move(object);
+  }
   // The same one, for a class known only at run time.
   Object& sharedInstance(Class& cls);
   void free(Object& object);     // its last reference went: dealloc, then destruction

@@ -76,7 +76,10 @@ std::string network(Random& random) {
 }
 
 std::string player(Random& random) {
-  static const Strings after = {"never", "after 1", "after 2", "after 3", "after 99"};
+  static const Strings after = {
+      "never",           "after 1",       "after 2",        "after 3",      "after 99",
+      "replaced yes",    "replaced no",   "vanishes 2",     "vanishes 3",   "vanishes 0",
+      "reports yes yes", "reports no no", "reports no yes", "reports truth"};
   return "player " + random.of(kPlayers) + " " + random.of(after);
 }
 
@@ -107,7 +110,39 @@ std::string press(Random& random) { return fmt::format("press {}", random.below(
 
 std::string remote(Random& random) {
   static const Strings numbers = {"0", "0", "2", "2", "1", "3", "4", "5", "4294967295"};
-  return "remote " + random.of(numbers) + (random.chance(40) ? " in " + anApp(random) : "");
+  const std::string command = "remote " + random.of(numbers);
+  if (random.chance(60)) return command;
+  return command + " in " + anApp(random) + (random.chance(30) ? " off-main" : "");
+}
+
+// What may happen in the middle of a call that can run the run loop.
+std::string during(Random& random) {
+  static const Strings calls = {"launchApplicationWithIdentifier:suspended:",
+                                "launchApplicationWithIdentifier:suspended:",
+                                "launchApplicationWithIdentifier:suspended:",
+                                "_applyMutableSettings:withTransitionContext:completion:",
+                                "setPasscodeLockVisible:animated:withUnlockSource:andOptions:",
+                                "dismissAnimated:",
+                                "finishUIUnlockFromSource:",
+                                "processDidLaunch:",
+                                "resumeForContentAvailable",
+                                "_launchIcon:",
+                                "remove:",
+                                "removeDisplayItem:",
+                                "_quitAppAtIndex:",
+                                "setPaused:",
+                                "play",
+                                "show"};
+  static const Strings happenings = {
+      "announce",      "announce",    "unlock",
+      "advance 1",     "boot",        "now-playing nil",
+      "headphones in", "display-off", "tap-transport 3",
+      "track none",    "locked yes",  "post \\\"VNutj2BhJMTGTwVk\\\""};
+  const std::size_t kind = random.below(10);
+  std::string command = random.of(happenings);
+  if (kind < 2) command = "app " + anApp(random) + " \\\"Anew\\\"";
+  if (kind == 2) command = "end " + anApp(random);
+  return "during " + random.of(calls) + " " + in(command);
 }
 
 std::string watch(Random& random) {
@@ -143,6 +178,9 @@ Strings deferredLaunch(Random& random) {
   lines.emplace_back("unlock");
   return lines;
 }
+
+// Something happens in the middle of what a request to play leads to.
+Strings interrupted(Random& random) { return {"track none", during(random), pressPlay(random)}; }
 
 // A greeting that is answered, down to the account that follows.
 Strings greeting(Random& random) {
@@ -216,7 +254,12 @@ constexpr Row kRows[] = {
     {10, remote},
     {2, [](Random&) -> std::string { return "new-controller"; }},
     {3, watch},
-    {6, [](Random& r) -> std::string { return r.chance(70) ? "headphones in" : "headphones out"; }},
+    {6,
+     [](Random& r) -> std::string {
+       return std::string("headphones ") + (r.chance(70) ? "in" : "out") +
+              (r.chance(30) ? " off-main" : "");
+     }},
+    {4, during},
     {2,
      [](Random& r) -> std::string { return r.chance(50) ? "now-playing yes" : "now-playing nil"; }},
     {4, [](Random& r) { return "process-launched " + anApp(r); }},
@@ -231,6 +274,7 @@ constexpr Row kRows[] = {
     {4, [](Random& r) { return "post " + in(r.of(kSignals)); }},
     {5, nullptr, deferredLaunch},
     {2, nullptr, greeting},
+    {4, nullptr, interrupted},
     {4, nullptr, hiddenStart},
 };
 

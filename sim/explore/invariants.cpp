@@ -49,6 +49,8 @@ std::optional<Violation> Invariants::check(const std::string& command) {
   Words words;
   for (const auto& word : scenario::splitWords(command)) words.push_back(word.text);
   settings_ = scenario::readSettings(session_.device());
+  interrupted_ = session_.device().interrupted() !=
+                 std::exchange(interruptions_, session_.device().interrupted());
   std::optional<Violation> first;
   for (const Row& row : kRows) {
     auto violation = (this->*row.check)(words);  // all of them, as some remember what they saw
@@ -128,7 +130,7 @@ std::optional<Violation> Invariants::knownCommandLines(const Words&) {
 
 // Whatever the library launches of its own accord, AppList lists.
 std::optional<Violation> Invariants::onlyListedApps(const Words& words) {
-  if (wasAny(words, {"open", "tap-icon"})) return std::nullopt;
+  if (interrupted_ || wasAny(words, {"open", "tap-icon"})) return std::nullopt;
   const std::string start = "-[SpringBoard launchApplicationWithIdentifier:\"";
   DeviceState& state = session_.device().state;
   for (const auto& effect : session_.effects()) {
@@ -147,7 +149,7 @@ std::optional<Violation> Invariants::onlyListedApps(const Words& words) {
 std::optional<Violation> Invariants::passedOnOnce(const Words& words) {
   Device& device = session_.device();
   const auto stock = stockCall(words, device);
-  if (!stock) return std::nullopt;
+  if (!stock || interrupted_) return std::nullopt;
   Process* process = device.process(stock->process);
   if (!process || !process->findClass(stock->cls)) return std::nullopt;
   const std::size_t passed = count(stock->call, stock->process);
@@ -167,7 +169,7 @@ std::optional<Violation> Invariants::passedOnOnce(const Words& words) {
 // The platform answers YES to every command that reaches it, the library NO to what it swallows.
 std::optional<Violation> Invariants::answered(const Words& words) {
   const auto answer = session_.answer();
-  if (!answer) return std::nullopt;
+  if (!answer || interrupted_) return std::nullopt;
   if (words[0] == "drag-lock-screen") {
     if (*answer) return std::nullopt;
     return Violation{{}, "the scroll view's YES became NO", "expect-result YES"};
@@ -203,6 +205,8 @@ std::optional<Violation> Invariants::oneGreeting(const Words& words) {
 
 // What SpringBoard has read stays in the file until somebody else changes it.
 std::optional<Violation> Invariants::settingsKept(const Words& words) {
+  // In the middle of a write it is not yet written.
+  if (interrupted_) announced_.clear();
   if (words[0] == "prefs") announced_.erase(words[1]);
   if (wasAny(words, {"prefs-file", "prefs-remove"})) announced_.clear();
   for (const auto& [key, value] : announced_) {

@@ -2,6 +2,7 @@
 #include "sim/platform/device_actions.hpp"
 #include "sim/scenario/commands.hpp"
 #include "sim/scenario/settings_file.hpp"
+#include "sim/springboard/springboard.hpp"
 
 namespace sim::scenario {
 
@@ -22,6 +23,7 @@ Action app(Arguments& words) {
     if (App* known = device.state.app(id)) {
       known->name = name;
       known->listed = true;
+      if (Process* board = device.springBoard()) dropApplicationObject(*board, id);
     } else {
       device.state.apps.push_back({id, name});
     }
@@ -133,14 +135,40 @@ Action track(Arguments& words) {
   return doing([=](Device& device) { device.state.track = Track{id, playing}; });
 }
 
+// What is said of a player.
+std::function<void(PlayerTemper&)> playerChange(Arguments& words) {
+  switch (words.oneOf({"after", "never", "replaced", "vanishes", "reports"})) {
+    case 0: {
+      const auto nudges = static_cast<int>(words.whole("a number of nudges", 1, kMostInt));
+      return [=](PlayerTemper& temper) { temper.after = nudges; };
+    }
+    case 1:
+      return [](PlayerTemper& temper) { temper.after.reset(); };
+    case 2: {
+      const bool replaced = words.yesNo();
+      return [=](PlayerTemper& temper) { temper.replaced = replaced; };
+    }
+    case 3: {
+      const auto every = static_cast<unsigned>(words.whole("how often", 0, kMostInt));
+      return [=](PlayerTemper& temper) { temper.vanishes = every; };
+    }
+    default: {
+      std::optional<PlayerTemper::Report> report;
+      if (!words.atEnd() && words.peek().text == "truth")
+        words.bare("truth");
+      else
+        report = PlayerTemper::Report{words.yesNo(), words.yesNo()};
+      return [=](PlayerTemper& temper) { temper.reports = report; };
+    }
+  }
+}
+
 Action player(Arguments& words) {
   const std::string id = words.identifier();
   if (id != kSpotify && id != kPodcasts)
     throw SyntaxError("player: only " + kSpotify + " and " + kPodcasts + " are players, not " + id);
-  std::optional<int> after;
-  if (words.oneOf({"after", "never"}) == 0)
-    after = static_cast<int>(words.whole("a number of nudges", 1, kMostInt));
-  return doing([=](Device& device) { device.state.playerAfter[id] = after; });
+  const auto change = playerChange(words);
+  return doing([=](Device& device) { change(device.state.players[id]); });
 }
 
 Action account(Arguments& words) {

@@ -82,6 +82,10 @@ SBApplication* applicationObject(Process& springBoard, const std::string& identi
   return slot.get();
 }
 
+void dropApplicationObject(Process& springBoard, const std::string& identifier) {
+  springBoard.shared<ApplicationObjects>("_SBApplicationObjects").all.erase(identifier);
+}
+
 ClassDefinition defineApplicationObjects() {
   return ClassDefinition::of<ApplicationObjects>("_SBApplicationObjects", "NSObject",
                                                  Home::springBoard());

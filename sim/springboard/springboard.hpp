@@ -47,5 +47,7 @@ class SBApplication final : public Object {
 // SpringBoard's object for an app, whether or not it is installed; the same at each call. Null
 // where the class is missing. Borrowed.
 SBApplication* applicationObject(Process& springBoard, const std::string& identifier);
+// The app was installed anew: SpringBoard lets go of its object and makes another when asked.
+void dropApplicationObject(Process& springBoard, const std::string& identifier);
 
 }  // namespace sim

@@ -119,7 +119,7 @@ class AutoPlayRule : public RuleTest {
     for (Process* old : device.processes()) device.endProcess(*old);
     device.setVersion(s.version);
     writeOnly({{kAutoPlayKey, s.autoPlay.value}});
-    device.state.playerAfter[s.app] =
+    device.state.players[s.app].after =
         s.playsAfter == kNever ? std::nullopt : std::optional<int>(s.playsAfter);
     check(startEffects(s), effectsOf([&] { device.startApp(s.app); }),
           [&] { return s.describe() + ": start"; });
