@@ -54,8 +54,16 @@ compile armv7 -fno-unwind-tables -fno-asynchronous-unwind-tables
 
 ld64.lld-19 -arch arm64 -platform_version ios 7.0 9.3 -dylib -dead_strip -no_encryption \
   -install_name "$install_name" -o "$work/arm64.dylib" "$work/arm64.o" "$out"/stubs/*.tbd
-ld64.lld.darwinold-13 -arch armv7 -ios_version_min 7.0 -sdk_version 9.3 -dylib -dead_strip \
-  -install_name "$install_name" -o "$work/armv7.dylib" "$work/armv7.o" "$out"/stubs/*.armv7.dylib
+# The 32-bit linker knows pages of 4 KiB alone. In a second pass, filler makes each segment as long as
+# the 16 KiB pages of newer kernels want it.
+link_armv7() {
+  ld64.lld.darwinold-13 -arch armv7 -ios_version_min 7.0 -sdk_version 9.3 -dylib -dead_strip \
+    -install_name "$install_name" -o "$work/armv7.dylib" "$@" "$out"/stubs/*.armv7.dylib
+}
+link_armv7 "$work/armv7.o"
+python3 "$device/tools/make_filler.py" "$work/armv7.dylib" >"$work/filler.s"
+clang-19 --target=armv7-apple-ios7.0 -c "$work/filler.s" -o "$work/filler.o"
+link_armv7 "$work/filler.o" "$work/armv7.o"
 
 for slice in arm64 armv7; do
   python3 "$device/tools/finish_image.py" "$work/$slice.dylib" "$out/$identifier.$slice.dylib" \

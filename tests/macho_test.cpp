@@ -88,7 +88,10 @@ TEST(MachO, SegmentsKeepApartAndToTheirPages) {
   Bytes bytes = sample("arm64.dylib");
   const std::size_t address = 32 + 24;  // of the first segment
   put(bytes, address, std::uint64_t{0x1000});
-  EXPECT_NE(error(bytes, Slice::arm64).find("not aligned to a page"), std::string::npos);
+  EXPECT_NE(error(bytes, Slice::arm64).find("not aligned to 16 KiB"), std::string::npos);
+  bytes = sample("armv7.dylib");
+  put(bytes, 28 + 24, std::uint32_t{0x1000});
+  EXPECT_NE(error(bytes, Slice::armv7).find("not aligned to 16 KiB"), std::string::npos);
   bytes = sample("arm64.dylib");
   put(bytes, address, std::uint64_t{0x8000});
   EXPECT_NE(error(bytes, Slice::arm64), "none");

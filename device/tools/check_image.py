@@ -10,6 +10,7 @@ import subprocess
 import sys
 
 import code_signature
+import image_uuid
 import macho
 
 STUBS = pathlib.Path(__file__).parent.parent / 'stubs' / 'imports.txt'
@@ -35,8 +36,8 @@ def exporters():
 def layout_problems(image):
     segments = list(image.segments())
     for name, address, size, offset, file_size, protection in segments:
-        if address % image.page or offset % image.page:
-            yield f'segment {name} is not aligned to a page'
+        if address % macho.PAGE or offset % macho.PAGE:
+            yield f'segment {name} is not aligned to 16 KiB'
         if size < file_size:
             yield f'segment {name} is larger in the file than in memory'
         if offset == 0 and (protection != 5 or file_size < image.commands_end):
@@ -60,7 +61,8 @@ def command_problems(image):
         if kind & 0x80000000 and kind not in KNOWN_REQUIRED:
             yield f'load command {kind:#x} is unknown to old loaders'
     for kind, name in ((macho.MIN_VERSION, 'minimum version'), (macho.SIGNATURE, 'signature'),
-                       (macho.DYLD_INFO_ONLY, 'fix-ups'), (macho.ID_DYLIB, 'install name')):
+                       (macho.DYLD_INFO_ONLY, 'fix-ups'), (macho.ID_DYLIB, 'install name'),
+                       (macho.UUID, 'UUID')):
         if kinds.count(kind) != 1:
             yield f'{kinds.count(kind)} load commands for the {name}'
     version = image.command(macho.MIN_VERSION)
@@ -151,11 +153,21 @@ def signature_problems(image):
     yield from code_signature.problems(image.data[:offset], image.data[offset:offset + size])
 
 
+def uuid_problems(image):
+    signature, uuid = image.command(macho.SIGNATURE), image.command(macho.UUID)
+    if not signature or not uuid:
+        return
+    end, = struct.unpack_from('<I', signature, 8)
+    if bytes(uuid[8:]) != image_uuid.of_content(image.data[:end]):
+        yield 'the UUID is not that of the content'
+
+
 def slice_problems(path, image):
     yield from layout_problems(image)
     yield from command_problems(image)
     yield from initialiser_problems(image)
     yield from signature_problems(image)
+    yield from uuid_problems(image)
     try:
         yield from thumb_problems(path, image)
         yield from import_problems(path, image)

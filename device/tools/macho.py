@@ -2,9 +2,11 @@
 import struct
 
 FAT_MAGIC = 0xcafebabe
+PAGE = 0x4000  # of the newer kernels, for both slices; the older ones' 0x1000 divides it
 SEGMENT, SYMBOLS, DYNAMIC_SYMBOLS, LOAD_DYLIB, ID_DYLIB = 0x1, 0x2, 0xb, 0xc, 0xd
-SEGMENT_64, SIGNATURE, MIN_VERSION = 0x19, 0x1d, 0x25
-FUNCTION_STARTS, DATA_IN_CODE, DYLD_INFO_ONLY = 0x26, 0x29, 0x80000022
+SEGMENT_64, UUID, SIGNATURE, MIN_VERSION = 0x19, 0x1b, 0x1d, 0x25
+FUNCTION_STARTS, DATA_IN_CODE, SOURCE_VERSION = 0x26, 0x29, 0x2a
+DYLD_INFO_ONLY = 0x80000022
 
 
 def slices(data):
@@ -30,7 +32,6 @@ class Image:
         self.wide = magic == 0xfeedfacf
         self.architecture = 'arm64' if self.wide else 'armv7'
         self.header_size = 32 if self.wide else 28
-        self.page = 0x4000 if self.wide else 0x1000
         self.symbol_size = 16 if self.wide else 12
         self.commands = []
         at = self.header_size

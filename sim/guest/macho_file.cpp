@@ -11,6 +11,7 @@ namespace {
 
 constexpr std::uint32_t kFatMagic = 0xcafebabe;
 constexpr std::uint32_t kDynamicLibrary = 6;
+constexpr std::uint64_t kPage = 0x4000;  // the largest that any kernel has, for both slices
 constexpr std::uint64_t kLargestImage = std::uint64_t{64} << 20;
 constexpr std::uint32_t kMostCommands = 1000;
 constexpr std::uint32_t kMostSlices = 16;
@@ -52,7 +53,6 @@ class Loader {
 
  private:
   bool wide() const { return slice_ == Slice::arm64; }
-  std::uint64_t page() const { return wide() ? 0x4000 : 0x1000; }
   // A pointer-wide field.
   std::uint64_t word(const ByteReader& from, std::uint64_t offset) const {
     return wide() ? from.at<std::uint64_t>(offset) : from.at<std::uint32_t>(offset);
@@ -132,8 +132,8 @@ class Loader {
     const auto protection = command.at<std::uint32_t>(24 + 4 * step + 4);
     segment.writable = (protection & 2) != 0;
     segment.executable = (protection & 4) != 0;
-    if (segment.address % page() != 0 || offset % page() != 0)
-      fail(command, "segment " + segment.name + " not aligned to a page");
+    if (segment.address % kPage != 0 || offset % kPage != 0)
+      fail(command, "segment " + segment.name + " not aligned to 16 KiB");
     if (fileSize > segment.size) fail(command, "segment " + segment.name + " larger in the file");
     if (segment.size > kLargestImage || segment.address > kLargestImage)
       fail(command, "segment " + segment.name + " too large");

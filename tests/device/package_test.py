@@ -15,6 +15,7 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 sys.path.insert(0, str(ROOT / 'device' / 'tools'))
 import check_image  # noqa: E402
 import fix_armv7_assembly  # noqa: E402
+import image_uuid  # noqa: E402
 import macho  # noqa: E402
 
 WORK = tempfile.TemporaryDirectory()
@@ -79,6 +80,23 @@ class Library(unittest.TestCase):
             prefixed = {t for t in selectors | classes if t not in declared}
             self.assertEqual(prefixed, set(), architecture)
 
+    def test_symbols_are_found_by_the_uuid_of_their_slice(self):
+        for architecture, data in macho.slices(LIBRARY.read_bytes()):
+            symbols = OUT / 'device' / f'proCorvalen.{architecture}.symbols'
+            found = re.findall(r'UUID: (\S+)', run('llvm-dwarfdump-19', '--uuid', symbols))
+            self.assertEqual([f.replace('-', '').lower() for f in found], [self.uuid(data).hex()])
+
+    def uuid(self, data):
+        return bytes(macho.Image(data).command(macho.UUID)[8:])
+
+    def test_another_content_has_another_uuid_and_the_same_the_same(self):
+        for architecture, data in macho.slices(LIBRARY.read_bytes()):
+            code = data[:struct.unpack_from('<I', macho.Image(data).command(macho.SIGNATURE), 8)[0]]
+            self.assertEqual(image_uuid.of_content(image_uuid.written(code, bytes(16))),
+                             self.uuid(data), architecture)
+            changed = code[:-1] + bytes([code[-1] ^ 1])
+            self.assertNotEqual(image_uuid.of_content(changed), self.uuid(data), architecture)
+
 
 class BrokenLibraries(unittest.TestCase):
     """Each check fails on a copy that is broken in its way."""
@@ -111,6 +129,24 @@ class BrokenLibraries(unittest.TestCase):
         data = bytearray(LIBRARY.read_bytes())
         data[-0x6000] ^= 1
         self.assertIn('wrong hash of page', self.problems(data))
+
+    def test_a_segment_on_a_page_of_4_kib(self):
+        for architecture in ('arm64', 'armv7'):
+            for name in ('__DATA', '__LINKEDIT'):
+                data = self.thin(architecture)
+                image = macho.Image(data)
+                at = data.index(name.encode(), image.header_size) + 16  # the address
+                data[at:at + 4] = struct.pack('<I', struct.unpack_from('<I', data, at)[0] + 0x1000)
+                self.assertIn(f'{architecture}: segment {name} is not aligned to 16 KiB',
+                              self.problems(data))
+
+    def test_no_uuid_and_a_wrong_one(self):
+        for architecture in ('arm64', 'armv7'):
+            data = self.with_command(architecture, macho.UUID, 0, macho.SOURCE_VERSION)
+            self.assertIn(f'{architecture}: 0 load commands for the UUID', self.problems(data))
+            data = self.with_command(architecture, macho.UUID, 8, 0)
+            self.assertIn(f'{architecture}: the UUID is not that of the content',
+                          self.problems(data))
 
     def test_one_slice_is_not_enough(self):
         self.assertIn('not arm64 and armv7', self.problems(self.thin('arm64')))
