@@ -45,6 +45,8 @@ compile() {
   sed -i 's/__TEXT,__const/__DATA,__const/' "$work/$slice.s"
   if [ "$slice" = armv7 ]; then
     python3 "$device/tools/fix_armv7_assembly.py" "$work/$slice.s"
+  else
+    python3 "$device/tools/shorten_addresses.py" "$work/$slice.s"
   fi
   clang-19 "$target" -c "$work/$slice.s" -o "$work/$slice.o"
 }

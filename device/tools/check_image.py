@@ -19,6 +19,8 @@ INITIALISERS, ZERO_FILL = 9, 1
 WEAK_FLAGS = 0x18000
 KNOWN_REQUIRED = {macho.DYLD_INFO_ONLY}
 IOS_7 = 7 << 16
+NOP, REGISTER = 0xd503201f, 31
+OPEN_OPERANDS = {0x10000000, 0x58000000, 0x18000000, 0x98000000, 0x1c000000, 0x5c000000, 0x9c000000}
 
 
 def exporters():
@@ -143,6 +145,18 @@ def import_problems(path, image):
             yield f'{name} is linked'
 
 
+def code_problems(image):
+    """Instructions of the 64-bit slice that the build should have made one with another."""
+    if not image.wide:
+        return
+    at, size = next((o, s) for _, n, _, s, o, _ in image.sections() if n == '__text')
+    words = struct.unpack_from(f'<{size // 4}I', image.data, at)
+    if NOP in words:
+        yield 'a nop in the code'
+    if any(word & ~REGISTER in OPEN_OPERANDS for word in words):
+        yield 'an address without its operand'
+
+
 def signature_problems(image):
     command = image.command(macho.SIGNATURE)
     if not command:
@@ -166,6 +180,7 @@ def slice_problems(path, image):
     yield from layout_problems(image)
     yield from command_problems(image)
     yield from initialiser_problems(image)
+    yield from code_problems(image)
     yield from signature_problems(image)
     yield from uuid_problems(image)
     try:

@@ -13,10 +13,12 @@ import unittest
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 sys.path.insert(0, str(ROOT / 'device' / 'tools'))
+import address_sites  # noqa: E402
 import check_image  # noqa: E402
 import fix_armv7_assembly  # noqa: E402
 import image_uuid  # noqa: E402
 import macho  # noqa: E402
+import shorten_addresses  # noqa: E402
 
 WORK = tempfile.TemporaryDirectory()
 OUT = pathlib.Path(WORK.name) / 'first'
@@ -139,6 +141,30 @@ class BrokenLibraries(unittest.TestCase):
                 data[at:at + 4] = struct.pack('<I', struct.unpack_from('<I', data, at)[0] + 0x1000)
                 self.assertIn(f'{architecture}: segment {name} is not aligned to 16 KiB',
                               self.problems(data))
+
+    def test_a_nop_and_an_address_that_was_left_open(self):
+        for word, problem in ((0xd503201f, 'a nop in the code'),
+                              (0x10000003, 'an address without its operand'),
+                              (0x58000008, 'an address without its operand')):
+            data = self.thin('arm64')
+            struct.pack_into('<I', data, self.section('arm64', '__text')[4], word)
+            self.assertIn(problem, self.problems(data))
+
+    def test_an_address_out_of_reach_is_refused(self):
+        self.assertEqual(address_sites.instruction(0x10000003, -7), 0x10000003 | 1 << 29 | 0x7fffe << 5)
+        for word, distance in ((0x10000003, 1 << 20), (0x58000008, -(1 << 20) - 4), (0x58000008, 6),
+                               (0xd503201f, 8)):
+            with self.assertRaises(SystemExit):
+                address_sites.instruction(word, distance)
+
+    def test_pairs_that_are_no_pairs_stay(self):
+        page, hint = 'Lloh0:\n\tadrp\tx8, _a@PAGE\nLloh1:', '\t.loh AdrpAdd\tLloh0, Lloh1'
+        for second in ('\tadd\tx8, x9, _a@PAGEOFF', '\tadd\tx8, x8, _b@PAGEOFF',
+                       '\tadd\tx8, x8, _a@PAGEOFF+8', '\tldrb\tw8, [x8, _a@PAGEOFF]'):
+            lines = f'{page}\n{second}\n{hint}'.split('\n')
+            self.assertEqual(list(shorten_addresses.fixed(lines)), lines)
+        lines = f'{page}\n\tldr\td0, [x8, _a@PAGEOFF]\n{hint}'.split('\n')
+        self.assertIn('\tldr\td0, #0', list(shorten_addresses.fixed(lines)))
 
     def test_no_uuid_and_a_wrong_one(self):
         for architecture in ('arm64', 'armv7'):
