@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
 # build.sh OUT: builds the device library for both architectures into OUT/proCorvalen.dylib, with
 # thin slices and, for back traces, unstripped ones beside it. The same sources give the same bytes
-# in any folder.
+# in any folder. `build.sh OUT NAME` builds, in the same way, what the library is measured against:
+# without_registration, plain_tweak or plain_tweak_with_metadata.
 set -euo pipefail
 device=$(cd "$(dirname "$0")" && pwd)
 root=$(dirname "$device")
 out=$1
-identifier=proCorvalen
+identifier=${2:-proCorvalen}
 install_name=/Library/MobileSubstrate/DynamicLibraries/$identifier.dylib
 headers=/usr/lib/llvm-19/include/c++/v1
 mkdir -p "$out"
@@ -16,11 +17,25 @@ rm -rf "$work"
 mkdir -p "$work"
 
 mapfile -t sources < <(sed -n 's/^  \(.*\.cpp\)$/\1/p' "$root/library.cmake")
-python3 "$device/stubs/make_stubs.py" "$out/stubs"
+strip=(-dead_strip)
+overriding=() # instead of functions of the same name
+more_imports=()
+yardstick=device/yardstick
+case $identifier in
+  without_registration) overriding=($yardstick/without_registration.cpp) ;;
+  plain_tweak*)
+    sources=($yardstick/plain_tweak.m)
+    [ "$identifier" = plain_tweak ] || sources+=($yardstick/metadata.m)
+    more_imports=("$root/$yardstick/imports.txt")
+    strip=() # the 32-bit linker would strip the metadata
+    ;;
+esac
+python3 "$device/stubs/make_stubs.py" "$out/stubs" "${more_imports[@]}"
 
-flags=(-std=c++20 -fno-exceptions -fno-rtti -fvisibility=hidden -fvisibility-inlines-hidden
-  -fno-threadsafe-statics -fno-c++-static-destructors -fno-stack-protector
-  -nostdinc++ -nostdlibinc -isystem "$device/shim/config" -isystem "$headers"
+cplusplus=(-std=c++20 -fno-rtti -fvisibility-inlines-hidden -fno-threadsafe-statics
+  -fno-c++-static-destructors -nostdinc++)
+objective_c=(-fblocks -Wno-unused-parameter -Wno-objc-root-class)
+flags=(-fno-exceptions -fvisibility=hidden -fno-stack-protector -nostdlibinc -isystem "$device/shim/config" -isystem "$headers"
   -isystem "$device/shim/c" -I. -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
 
 # All sources of a slice become one module: nothing weak is left, and what is unused goes.
@@ -29,13 +44,16 @@ compile() {
   shift
   local target=--target=$slice-apple-ios7.0
   local modules=()
-  for source in "${sources[@]}"; do
+  for source in "${sources[@]}" "${overriding[@]}"; do
     local module=$work/${source//\//_}.$slice.bc
     # Small everywhere, but quick where every process passes: in the installer.
     local size=-Oz
-    [[ $source == loader/installer.cpp ]] && size=-O2
-    (cd "$root" && clang++-19 "$target" $size "${flags[@]}" "$@" -Xclang -disable-llvm-passes \
-      -emit-llvm -c "$source" -o "$module")
+    [[ $source == loader/installer.cpp || $source == *.m ]] && size=-O2
+    local language=("${cplusplus[@]}")
+    [[ $source == *.m ]] && language=("${objective_c[@]}")
+    (cd "$root" && clang-19 "$target" $size "${flags[@]}" "${language[@]}" "$@" \
+      -Xclang -disable-llvm-passes -emit-llvm -c "$source" -o "$module")
+    [[ " ${overriding[*]} " == *" $source "* ]] && module=--override=$module
     modules+=("$module")
   done
   llvm-link-19 "${modules[@]}" -o "$work/all.$slice.bc"
@@ -59,7 +77,7 @@ ld64.lld-19 -arch arm64 -platform_version ios 7.0 9.3 -dylib -dead_strip -no_enc
 # The 32-bit linker knows pages of 4 KiB alone. In a second pass, filler makes each segment as long as
 # the 16 KiB pages of newer kernels want it.
 link_armv7() {
-  ld64.lld.darwinold-13 -arch armv7 -ios_version_min 7.0 -sdk_version 9.3 -dylib -dead_strip \
+  ld64.lld.darwinold-13 -arch armv7 -ios_version_min 7.0 -sdk_version 9.3 -dylib "${strip[@]}" \
     -install_name "$install_name" -o "$work/armv7.dylib" "$@" "$out"/stubs/*.armv7.dylib
 }
 link_armv7 "$work/armv7.o"

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""make_stubs.py OUT: link stubs for the libraries of imports.txt.
+"""make_stubs.py OUT [MORE]: link stubs for the libraries of imports.txt, and of a second such file.
 
 NAME.tbd for the 64-bit linker, and NAME.armv7.dylib for the 32-bit one, whose reader of .tbd files
 fails. Versions are 0, or a phone's loader may refuse a library that is older than its stub.
@@ -13,16 +13,17 @@ TARGET = '--target=armv7-apple-ios7.0'
 
 
 def libraries(text):
-    """Yields (install name, functions, variables)."""
+    """(install name, functions, variables) of each library."""
+    found = {}
     for line in text.splitlines():
         line = line.split('#')[0].strip()
         if not line:
             continue
         install_name, symbols = (part.strip() for part in line.split(' : '))
-        symbols = symbols.split()
-        variables = [s[2:] for s in symbols if s.startswith('D:')]
-        functions = [s for s in symbols if not s.startswith('D:')]
-        yield install_name, functions, variables
+        functions, variables = found.setdefault(install_name, ([], []))
+        for symbol in symbols.split():
+            (variables if symbol.startswith('D:') else functions).append(symbol.removeprefix('D:'))
+    return [(install_name, *symbols) for install_name, symbols in found.items()]
 
 
 def stub_name(install_name):
@@ -55,7 +56,9 @@ def write_dylib(path, install_name, functions, variables):
 def main():
     out = pathlib.Path(sys.argv[1])
     out.mkdir(parents=True, exist_ok=True)
-    for install_name, functions, variables in libraries((HERE / 'imports.txt').read_text()):
+    files = [HERE / 'imports.txt', *sys.argv[2:]]
+    text = ''.join(pathlib.Path(file).read_text() for file in files)
+    for install_name, functions, variables in libraries(text):
         name = stub_name(install_name)
         write_tbd(out / f'{name}.tbd', install_name, functions + variables)
         write_dylib(out / f'{name}.armv7.dylib', install_name, functions, variables)

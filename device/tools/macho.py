@@ -8,6 +8,9 @@ SEGMENT_64, UUID, SIGNATURE, MIN_VERSION = 0x19, 0x1b, 0x1d, 0x25
 FUNCTION_STARTS, DATA_IN_CODE, SOURCE_VERSION = 0x26, 0x29, 0x2a
 DYLD_INFO_ONLY = 0x80000022
 
+# Sections that the 32-bit linker knows under another name.
+RENAMED = (('__objc_imageinfo', '__objc_info'), ('__objc_catlist', '__objc_cats'))
+
 
 def slices(data):
     """Yields the thin files of a fat or thin one, as (architecture, bytes)."""

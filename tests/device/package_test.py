@@ -100,6 +100,25 @@ class Library(unittest.TestCase):
             self.assertNotEqual(image_uuid.of_content(changed), self.uuid(data), architecture)
 
 
+class Yardstick(unittest.TestCase):
+    def test_has_every_method_that_the_library_adds(self):
+        sources = ''.join((ROOT / file).read_text() for file in
+                          ('ui/block_alert.cpp', 'ui/block_timer.cpp', 'welcome/follow_handler.cpp'))
+        joined = re.sub(r'"\s*\n\s*"', '', sources)
+        added = re.findall(r'addedMethod<&[^,]+,\s*"([^"]+)"', joined)
+        self.assertEqual(len(added), 24 + 3 + 4)
+        with tempfile.TemporaryDirectory() as out:
+            name = 'plain_tweak_with_metadata'
+            subprocess.run([ROOT / 'device' / 'build.sh', out, name], check=True,
+                           capture_output=True)
+            data = (pathlib.Path(out) / f'{name}.dylib').read_bytes()
+        for architecture, part in macho.slices(data):
+            at, size = next((o, s) for _, n, _, s, o, _ in macho.Image(part).sections()
+                            if n == '__objc_methname')
+            names = part[at:at + size].decode().split('\0')
+            self.assertEqual(set(added) - set(names), set(), architecture)
+
+
 class BrokenLibraries(unittest.TestCase):
     """Each check fails on a copy that is broken in its way."""
 
