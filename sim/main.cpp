@@ -162,7 +162,11 @@ int main(int count, char** words) {
   CLI::App* shellCommand = app.add_subcommand("shell", "type the same commands one at a time");
   addOptions(*shellCommand, line);
   CLI::App* benchCommand = app.add_subcommand("bench", "count what a device binary costs");
-  benchCommand->add_option("--image", line.image, "the device binary")->required();
+  guest::BenchImages bench;
+  benchCommand->add_option("--image", bench.library, "the device binary")->required();
+  benchCommand->add_option("--without-registration", bench.withoutRegistration)->required();
+  benchCommand->add_option("--plain-tweak", bench.plainTweak)->required();
+  benchCommand->add_option("--plain-tweak-with-metadata", bench.plainTweakWithMetadata)->required();
   CLI::App* exploreCommand =
       app.add_subcommand("explore", "search for scenarios that break what must always hold");
   addExploreOptions(*exploreCommand, line);
@@ -185,7 +189,7 @@ int main(int count, char** words) {
     line.injecting.countGiven = injectCommand->count("--count") > 0;
     if (*injectCommand) return injectFaults(line);
     if (*benchCommand) {
-      guest::runBench(line.image, std::cout);
+      guest::runBench(bench, std::cout);
       return 0;
     }
     return static_cast<int>(runShell(*makeLoader(line), line.options()));

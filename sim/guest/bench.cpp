@@ -85,30 +85,103 @@ void type(Session& session, const std::string& lines) {
       session.run(std::get<scenario::Command>(*content));
 }
 
-void benchLoads(const std::filesystem::path& image, Slice slice, std::ostream& out) {
-  const char* const kinds[][2] = {{"SpringBoard", "com.apple.springboard"},
-                                  {"Spotify", "com.spotify.client"},
-                                  {"Podcasts", "com.apple.podcasts"},
-                                  {"Garmin Connect", "com.garmin.connect.mobile"},
-                                  {"any other app", "com.example.notes"}};
-  for (const auto& [name, identifier] : kinds) {
-    GuestLibraryLoader loader(image, slice);
-    loader.measure();
-    std::ostringstream ignored;
-    Output output(ignored, Format::Text);
-    Session session(loader, output, false);
-    type(session, kChosen + fmt::format("app {} \"App\"", identifier));
-    if (std::string(identifier) == "com.apple.springboard")
-      type(session, "boot");
-    else
-      type(session, fmt::format("start {}", identifier));
-    const Cost registration = loader.registrationCost();
-    const Cost set = loader.loadCost() - registration;
-    const char* sliceName = slice == Slice::arm64 ? "arm64" : "armv7";
-    out << fmt::format("| {} | {} | {} | {} | {} | {} | {} | {} | {} |\n", sliceName, name, set.own,
-                       set.stubs, set.calls, registration.own, registration.stubs,
-                       registration.calls, loader.loadCost().pages);
-  }
+constexpr const char* kVersions[] = {"847.2", "1141.14", "1240.1"};
+constexpr const char* kApp = "com.example.notes";
+
+const char* nameOf(Slice slice) { return slice == Slice::arm64 ? "arm64" : "armv7"; }
+
+struct Load {
+  Cost cost;
+  HookRows rows;
+};
+
+Load load(const std::filesystem::path& image, Slice slice, const std::string& identifier,
+          const std::string& version) {
+  GuestLibraryLoader loader(image, slice);
+  loader.measure();
+  std::ostringstream ignored;
+  Output output(ignored, Format::Text);
+  Session session(loader, output, false);
+  type(session, fmt::format("version {}\n{}app {} \"App\"", version, kChosen, identifier));
+  type(session, identifier == "com.apple.springboard" ? "boot" : "start " + identifier);
+  return {loader.loadCost(), loader.hookRows()};
+}
+
+std::string instructions(const Cost& cost) { return fmt::format("{} + {}", cost.own, cost.stubs); }
+
+double ratio(const Cost& ours, const Cost& theirs) {
+  return static_cast<double>(ours.own + ours.stubs) /
+         static_cast<double>(theirs.own + theirs.stubs);
+}
+
+// One cut for all: the whole constructor, from its first instruction to its return.
+void benchAgainstYardstick(const BenchImages& images, std::ostream& out) {
+  out << "An ordinary app: own instructions + those in import stubs, and platform calls, from the "
+         "constructor's first\ninstruction to its return. Registration is the difference to a "
+         "build "
+         "whose registering functions are empty. The\ntweaks are built by the same steps with the "
+         "same flags; what the runtime does for metadata is not counted.\n\n"
+         "| slice | version | library | calls | without registration | calls | plain tweak | calls "
+         "| with metadata | calls | library ÷ with metadata | without registration ÷ plain |\n"
+         "|---|---|---|---|---|---|---|---|---|---|---|---|\n";
+  for (const Slice slice : {Slice::arm64, Slice::armv7})
+    for (const char* version : kVersions) {
+      const auto cost = [&](const auto& image) { return load(image, slice, kApp, version).cost; };
+      const Cost all = cost(images.library);
+      const Cost bare = cost(images.withoutRegistration);
+      const Cost plain = cost(images.plainTweak);
+      const Cost full = cost(images.plainTweakWithMetadata);
+      out << fmt::format("| {} | {} | {} | {} | {} | {} | {} | {} | {} | {} | {:.2f} | {:.2f} |\n",
+                         nameOf(slice), version, instructions(all), all.calls, instructions(bare),
+                         bare.calls, instructions(plain), plain.calls, instructions(full),
+                         full.calls, ratio(all, full), ratio(bare, plain));
+    }
+}
+
+void benchFixUps(const BenchImages& images, std::ostream& out) {
+  out << "\nWhat the phone's loader writes into the image; pages before any code runs.\n\n"
+         "| slice | image | pages of 16 KiB | of 4 KiB | rebases | binds | binds at the first call "
+         "|\n|---|---|---|---|---|---|---|\n";
+  const std::pair<const char*, const std::filesystem::path&> all[] = {
+      {"library", images.library},
+      {"plain tweak", images.plainTweak},
+      {"with metadata", images.plainTweakWithMetadata}};
+  for (const Slice slice : {Slice::arm64, Slice::armv7})
+    for (const auto& [name, image] : all) {
+      const GuestLibraryLoader loader(image, slice);
+      const FixUps large = loader.fixUps(0x4000);
+      out << fmt::format("| {} | {} | {} | {} | {} | {} | {} |\n", nameOf(slice), name, large.pages,
+                         loader.fixUps(0x1000).pages, large.rebases, large.binds, large.lazyBinds);
+    }
+}
+
+void benchProcesses(const BenchImages& images, std::ostream& out) {
+  constexpr const char* kKinds[][2] = {{"SpringBoard", "com.apple.springboard"},
+                                       {"Spotify", "com.spotify.client"},
+                                       {"Podcasts", "com.apple.podcasts"},
+                                       {"Garmin Connect", "com.garmin.connect.mobile"},
+                                       {"any other app", kApp}};
+  out << "\nEach kind of process on 1141.14.\n\n| slice | process | library | calls | without "
+         "registration | calls | pages written |\n|---|---|---|---|---|---|---|\n";
+  for (const Slice slice : {Slice::arm64, Slice::armv7})
+    for (const auto& [name, identifier] : kKinds) {
+      const Cost all = load(images.library, slice, identifier, "1141.14").cost;
+      const Cost bare = load(images.withoutRegistration, slice, identifier, "1141.14").cost;
+      out << fmt::format("| {} | {} | {} | {} | {} | {} | {} |\n", nameOf(slice), name,
+                         instructions(all), all.calls, instructions(bare), bare.calls, all.pages);
+    }
+}
+
+void benchRows(const BenchImages& images, std::ostream& out) {
+  out << "\nSpringBoard from the last observer to the last hook, own instructions.\n\n"
+         "| slice | version | own | hooks | a hook |\n|---|---|---|---|---|\n";
+  for (const Slice slice : {Slice::arm64, Slice::armv7})
+    for (const char* version : kVersions) {
+      const HookRows rows = load(images.library, slice, "com.apple.springboard", version).rows;
+      out << fmt::format("| {} | {} | {} | {} | {:.1f} |\n", nameOf(slice), version, rows.own,
+                         rows.count,
+                         static_cast<double>(rows.own) / static_cast<double>(rows.count));
+    }
 }
 
 Cost costOf(const std::filesystem::path& image, Slice slice, const Path& path) {
@@ -127,14 +200,15 @@ Cost costOf(const std::filesystem::path& image, Slice slice, const Path& path) {
 
 }  // namespace
 
-void runBench(const std::filesystem::path& image, std::ostream& out) {
-  out << "| slice | process | own instructions | in stubs | platform calls | registration: own | "
-         "in stubs | platform calls | pages written |\n|---|---|---|---|---|---|---|---|---|\n";
-  for (const Slice slice : {Slice::arm64, Slice::armv7}) benchLoads(image, slice, out);
+void runBench(const BenchImages& images, std::ostream& out) {
+  benchAgainstYardstick(images, out);
+  benchFixUps(images, out);
+  benchProcesses(images, out);
+  benchRows(images, out);
   out << "\n| hook | path | arm64 own | armv7 own | platform calls |\n|---|---|---|---|---|\n";
   for (const Path& path : kPaths) {
-    const Cost wide = costOf(image, Slice::arm64, path);
-    const Cost narrow = costOf(image, Slice::armv7, path);
+    const Cost wide = costOf(images.library, Slice::arm64, path);
+    const Cost narrow = costOf(images.library, Slice::armv7, path);
     out << fmt::format("| `{}` | {} | {} | {} | {} |\n", path.hook, path.path, wide.own, narrow.own,
                        wide.calls);
   }

@@ -5,8 +5,17 @@
 
 namespace sim::guest {
 
-// Prints Markdown tables: for both slices and each kind of process the cost of loading, and for
-// each hook the cost of passing a call through and of taking it over. Exact, the same at each run.
-void runBench(const std::filesystem::path& image, std::ostream& out);
+// The library, and what it is measured against: built in the same way from device/yardstick.
+struct BenchImages {
+  std::filesystem::path library;
+  std::filesystem::path withoutRegistration;
+  std::filesystem::path plainTweak;
+  std::filesystem::path plainTweakWithMetadata;
+};
+
+// Prints Markdown tables: the cost of loading for an ordinary app beside that of a plain tweak,
+// fix-ups, the cost for each kind of process, for each hook that SpringBoard gets, and of each hook
+// when a call is passed through or taken over. Exact, the same at each run.
+void runBench(const BenchImages& images, std::ostream& out);
 
 }  // namespace sim::guest

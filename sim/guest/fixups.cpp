@@ -153,6 +153,7 @@ std::string libraryOf(std::int64_t ordinal, const MachOImage& image, const Progr
 void readBinds(const ByteReader& opcodes, BindKind kind, Slice slice, MachOImage& image) {
   Program program(opcodes, slice, image);
   Bind bind;
+  bind.lazy = kind == BindKind::Lazy;
   const auto one = [&](std::uint64_t address) {
     if (bind.symbol.empty()) program.fail("a bind without a symbol");
     bind.address = address;

@@ -12,6 +12,7 @@
 #include "sim/guest/guest_call.hpp"
 #include "sim/guest/loaded_image.hpp"
 #include "sim/guest/macho_file.hpp"
+#include "sim/guest/runtime_metadata.hpp"
 #include "sim/guest/traps.hpp"
 
 namespace sim::guest {
@@ -52,13 +53,13 @@ class GuestLibrary final : public Library {
   ~GuestLibrary() override { loader_.living_.erase(this); }
 
   void runInitialisers() override {
+    attachMetadata(image_, memory_, process_, pointerSize());
     const Cost before = loader_.cost_;
     loading_ = true;
     for (const Address code : image_.initialisers())
       call(code, Kind::Void, std::vector<Value>(3, Value::of(Kind::Pointer, 0)));
     loading_ = false;
     loader_.loadCost_ = loader_.cost_ - before;
-    loader_.registrationCost_ = loader_.registrationCost_ - before;
   }
 
   Value call(Address code, Kind result, const std::vector<Value>& fixed) override {
@@ -128,14 +129,19 @@ class GuestLibrary final : public Library {
     tallied_ = now;
   }
 
-  // While loading, the first look at the bundle is where adding methods and classes has ended.
+  // While loading, a call that installs a hook ends a row: what ran since the last observer.
   void noteCall(const Trap& trap) {
     ++loader_.cost_.calls;
     tally();
-    if (!loading_ || trap.name != "objc_getClass" || registered_) return;
-    if (readText(cpu_.integer(0)) != "NSBundle") return;
-    registered_ = true;
-    loader_.registrationCost_ = loader_.cost_;
+    if (!loading_) return;
+    HookRows& rows = loader_.hookRows_;
+    if (trap.name == "CFNotificationCenterAddObserver") {
+      rows = {};
+      lastObserver_ = loader_.cost_;
+    } else if (trap.name == "MSHookMessageEx" || trap.name == "MSHookFunction") {
+      ++rows.count;
+      rows.own = (loader_.cost_ - lastObserver_).own;
+    }
   }
 
   // The guest called into the platform.
@@ -184,7 +190,7 @@ class GuestLibrary final : public Library {
   bool reported_ = false;
   InstructionCounts tallied_;
   bool loading_ = false;
-  bool registered_ = false;
+  Cost lastObserver_;
 };
 
 GuestLibraryLoader::GuestLibraryLoader(const std::filesystem::path& file, Slice slice,
@@ -197,6 +203,19 @@ GuestLibraryLoader::~GuestLibraryLoader() = default;
 
 std::unique_ptr<Library> GuestLibraryLoader::load(Process& process) {
   return std::make_unique<GuestLibrary>(*this, process);
+}
+
+FixUps GuestLibraryLoader::fixUps(Address pageSize) const {
+  FixUps all;
+  std::set<Address> pages;
+  all.rebases = image_->rebases.size();
+  for (const Address at : image_->rebases) pages.insert(at / pageSize);
+  for (const Bind& bind : image_->binds) {
+    ++(bind.lazy ? all.lazyBinds : all.binds);
+    if (!bind.lazy) pages.insert(bind.address / pageSize);
+  }
+  all.pages = pages.size();
+  return all;
 }
 
 void GuestLibraryLoader::setVersion(double version) {

@@ -32,6 +32,20 @@ struct Cost {
   }
 };
 
+// From the last observer to the last hook of a load.
+struct HookRows {
+  std::uint64_t own = 0;    // instructions in the library's own code
+  std::uint64_t count = 0;  // hooks, of methods and functions
+};
+
+// What a phone's loader writes into an image: pages before any of its code runs, pointers by kind.
+struct FixUps {
+  std::size_t pages = 0;
+  std::size_t rebases = 0;
+  std::size_t binds = 0;
+  std::size_t lazyBinds = 0;  // at the first call of each
+};
+
 class GuestLibraryLoader final : public LibraryLoader {
  public:
   // Reads a fat or thin device binary. Throws MachOError if it cannot be loaded, and
@@ -45,9 +59,10 @@ class GuestLibraryLoader final : public LibraryLoader {
   // Counts instructions in every process loaded from now on.
   void measure() { measuring_ = true; }
   Cost cost() const { return cost_; }
-  // The last load: the whole constructor, and of it what adding methods and classes took.
+  // The last load: the whole constructor, from its first instruction to its return.
   Cost loadCost() const { return loadCost_; }
-  Cost registrationCost() const { return registrationCost_; }
+  HookRows hookRows() const { return hookRows_; }
+  FixUps fixUps(Address pageSize) const;
 
  private:
   friend class GuestLibrary;  // one process's copy
@@ -58,7 +73,7 @@ class GuestLibraryLoader final : public LibraryLoader {
   bool measuring_ = false;
   Cost cost_;
   Cost loadCost_;
-  Cost registrationCost_;
+  HookRows hookRows_;
   std::set<GuestLibrary*> living_;
 };
 

@@ -25,8 +25,14 @@ struct Variable {
 constexpr Variable kVariables[] = {
     {"kCFCoreFoundationVersionNumber", 0}, {"__CFConstantStringClassReference", 0x100},
     {"_NSConcreteStackBlock", 0x200},      {"_NSConcreteGlobalBlock", 0x300},
-    {"_dispatch_main_q", 0x400},
+    {"_dispatch_main_q", 0x400},           {"_objc_empty_cache", 0x500},
 };
+constexpr std::string_view kClassImport = "_OBJC_CLASS_$_";
+constexpr std::string_view kMetaclassImport = "_OBJC_METACLASS_$_";
+
+bool isClassImport(const std::string& name) {
+  return name.starts_with(kClassImport) || name.starts_with(kMetaclassImport);
+}
 
 constexpr const char* kFunctions[] = {
 #define IMPORT(name) #name,
@@ -75,7 +81,17 @@ void LoadedImage::applyFixups(Traps& traps) {
     store(at, value + kImageBase);
   }
   for (const Bind& bind : image_.binds)
-    store(bind.address, addressOf(bind.symbol, traps) + static_cast<Address>(bind.addend));
+    if (!isClassImport(bind.symbol))
+      store(bind.address, addressOf(bind.symbol, traps) + static_cast<Address>(bind.addend));
+}
+
+void LoadedImage::bindClasses(const ClassAddress& addressOf) {
+  for (const Bind& bind : image_.binds) {
+    if (!isClassImport(bind.symbol)) continue;
+    const bool meta = bind.symbol.starts_with(kMetaclassImport);
+    store(bind.address,
+          addressOf(bind.symbol.substr((meta ? kMetaclassImport : kClassImport).size()), meta));
+  }
 }
 
 std::vector<Address> LoadedImage::initialisers() const {

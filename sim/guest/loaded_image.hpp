@@ -1,6 +1,7 @@
 // The library's image in one emulated process: its segments mapped, its fix-ups applied, its
 // imports bound to traps and to the platform's variables.
 #pragma once
+#include <functional>
 #include <string>
 
 #include "sim/guest/guest_memory.hpp"
@@ -16,6 +17,9 @@ class LoadedImage {
   // Throws std::runtime_error if the image imports what the platform lacks.
   LoadedImage(const MachOImage& image, Slice slice, GuestMemory& memory, Traps& traps);
 
+  // Binds imported Objective-C classes ("NSBundle") and metaclasses, once the process has classes.
+  using ClassAddress = std::function<Address(const std::string& name, bool meta)>;
+  void bindClasses(const ClassAddress& addressOf);
   // What the constructor functions are, in order.
   std::vector<Address> initialisers() const;
   // The address of one of the platform's variables.

@@ -39,6 +39,7 @@ struct Bind {
   std::string symbol;
   std::int64_t addend = 0;
   std::string library;  // install name; empty for a flat look-up
+  bool lazy = false;    // on a phone, at the first call
 };
 
 struct Symbol {
