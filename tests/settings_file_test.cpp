@@ -4,6 +4,8 @@
 #include <fstream>
 
 #include "sim/foundation/plist_file.hpp"
+#include "sim/foundation/plist_scalars.hpp"
+#include "sim/foundation/property_list.hpp"
 #include "sim/platform/device_actions.hpp"
 #include "tests/device_fixture.hpp"
 
@@ -66,9 +68,12 @@ TEST_F(SettingsFile, KeepsValuesOfEveryTypeAsTheyWere) {
     plist_dict_set_item(root.get(), key, value);
   };
   add("truth", plist_new_bool(1));
-  add("number", plist_new_uint(~std::uint64_t{0}));
+  add("number", unsignedNode(7).release());
+  add("negative", plist_new_uint(static_cast<std::uint64_t>(std::int64_t{-7})));
+  add("largest", unsignedNode(~std::uint64_t{0}).release());
+  add("lowest", plist_new_uint(std::uint64_t{1} << 63));
   add("real", plist_new_real(0.1));
-  add("text", plist_new_string("<&\"caf\u00e9\n"));
+  add("text", plist_new_string("<&\"caf\u00e9\r\n\x01\uFFFF"));
   add("data", plist_new_data("\0\x01", 2));
   add("date", plist_new_date(-1, 0));
   add("array", plist_new_array());
@@ -85,6 +90,27 @@ TEST_F(SettingsFile, KeepsValuesOfEveryTypeAsTheyWere) {
   ASSERT_TRUE(before && after);
   EXPECT_EQ(after->erase("feo63OPBmERAd2000UpdRdCAND"), 1u);
   EXPECT_EQ(*after, *before);
+  EXPECT_NE(after->at("largest").find("18446744073709551615"), std::string::npos);
+}
+
+// In a folder's place nothing can be written, and nothing but that happens.
+TEST_F(SettingsFile, MayBeAFolder) {
+  const std::string path = "/var/mobile/Library/Preferences/com.qvethmar.corvalenpro.plist";
+  const auto folder = device.hostPath(path);
+  std::filesystem::create_directory(folder);
+  EXPECT_FALSE(scenario::readSettings(device));
+  EXPECT_THROW(scenario::setSetting(device, "key", true), ActionError);
+  EXPECT_THROW(scenario::setSetting(device, "key", scenario::Absent{}), ActionError);
+  EXPECT_THROW(scenario::writeSettings(device, ""), ActionError);
+  EXPECT_THROW(scenario::removeSettings(device), ActionError);
+  Process& process = booted();
+  unlock(device);
+  device.drain();
+  for (const std::string& call : calls.all) EXPECT_FALSE(call.starts_with("crash")) << call;
+  EXPECT_TRUE(calls.has("-[NSMutableDictionary writeToFile:\"" + path + "\" atomically:YES]"));
+  EXPECT_FALSE(writePropertyList(*makeDictionary(process), path));
+  EXPECT_TRUE(std::filesystem::is_directory(folder));
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.parent_path()), {}), 1);
 }
 
 TEST_F(SettingsFile, LeavesNoAuxiliaryFileBehind) {

@@ -1,4 +1,5 @@
-// NSNumber: a truth value, a whole or a real number.
+// NSNumber: a truth value, a whole number (unsigned if it is beyond the signed ones), or a real
+// one.
 #pragma once
 #include <variant>
 
@@ -8,7 +9,7 @@ namespace sim {
 
 class NSNumber final : public Object {
  public:
-  using Number = std::variant<bool, std::int64_t, double>;
+  using Number = std::variant<bool, std::int64_t, std::uint64_t, double>;
 
   NSNumber(Process& process, Number number) : Object(process), value(number) {}
   bool equals(const Object& other) const override;

@@ -2,6 +2,7 @@
 #pragma once
 #include <plist/plist.h>
 
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -13,10 +14,14 @@ struct FreePlistNode {
 };
 using PlistNode = std::unique_ptr<void, FreePlistNode>;
 
-// Null if the bytes are no property list, are larger than 64 MiB, nest more than 256 deep, hold a
-// text with a zero byte, or (as the binary form can refer to one object from many places) would
-// grow beyond 50,000 objects.
+// Null if the bytes are no property list by the platform's rules, are larger than 64 MiB, nest more
+// than 256 deep, hold a value that could not be written again as it is (a text with a zero byte, a
+// date after the year 9999), or (as the binary form can refer to one object from many places) would
+// grow beyond 50,000 objects. Old-style property lists, which the platform tries too, are left out.
 PlistNode parsePropertyList(const std::string& bytes);
+
+// The property list in a file; also null if there is no such file, or a folder in its place.
+PlistNode readPropertyListFile(const std::filesystem::path& path);
 
 // An array's elements, borrowed. By the parser's index each would be looked for from the first on.
 std::vector<plist_t> elementsOf(plist_t array);

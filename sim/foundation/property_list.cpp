@@ -7,6 +7,7 @@
 #include "sim/foundation/data.hpp"
 #include "sim/foundation/number.hpp"
 #include "sim/foundation/plist_file.hpp"
+#include "sim/foundation/plist_scalars.hpp"
 #include "sim/foundation/string.hpp"
 
 namespace sim {
@@ -49,6 +50,7 @@ Ref<Object> toObject(Process& process, plist_t node) {
     case PLIST_UINT: {
       std::uint64_t value = 0;
       plist_get_uint_val(node, &value);
+      if (value > INT64_MAX && !isNegative(node)) return makeNumber(process, value);
       return makeNumber(process, static_cast<std::int64_t>(value));
     }
     case PLIST_REAL: {
@@ -84,6 +86,7 @@ PlistNode toNode(const Object& object) {
       return PlistNode(plist_new_bool(*truth));
     if (const auto* whole = std::get_if<std::int64_t>(&number->value))
       return PlistNode(plist_new_uint(static_cast<std::uint64_t>(*whole)));
+    if (const auto* large = std::get_if<std::uint64_t>(&number->value)) return unsignedNode(*large);
     return PlistNode(plist_new_real(std::get<double>(number->value)));
   }
   if (const auto* string = dynamic_cast<const NSString*>(&object))
@@ -116,10 +119,7 @@ PlistNode toNode(const Object& object) {
 }  // namespace
 
 Ref<NSDictionary> readPropertyList(Process& process, const std::string& devicePath) {
-  std::ifstream file(process.device.hostPath(devicePath), std::ios::binary);
-  if (!file) return {};
-  const std::string bytes{std::istreambuf_iterator<char>(file), {}};
-  const PlistNode root = parsePropertyList(bytes);
+  const PlistNode root = readPropertyListFile(process.device.hostPath(devicePath));
   if (!root || plist_get_node_type(root.get()) != PLIST_DICT) return {};
   return toDictionary(process, root.get());
 }
@@ -139,7 +139,9 @@ bool writePropertyList(const NSDictionary& dictionary, const std::string& device
   file.close();
   std::error_code error;
   if (file) std::filesystem::rename(auxiliary, path, error);
-  return file && !error;
+  const bool written = file && !error;
+  if (!written) std::filesystem::remove(auxiliary, error);
+  return written;
 }
 
 }  // namespace sim

@@ -3,6 +3,7 @@
 #include <fstream>
 
 #include "sim/foundation/plist_file.hpp"
+#include "sim/platform/device_actions.hpp"
 
 namespace sim::scenario {
 
@@ -11,11 +12,17 @@ namespace {
 const char* const kPath = "/var/mobile/Library/Preferences/com.qvethmar.corvalenpro.plist";
 
 PlistNode readDictionary(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  const std::string bytes{std::istreambuf_iterator<char>(file), {}};
-  PlistNode node = parsePropertyList(bytes);
+  PlistNode node = readPropertyListFile(path);
   if (node && plist_get_node_type(node.get()) != PLIST_DICT) node.reset();
   return node;
+}
+
+// Where the file is put, replaced or deleted; a folder stays, and is said.
+std::filesystem::path changedPath(const Device& device) {
+  auto path = device.hostPath(kPath);
+  if (std::filesystem::is_directory(path))
+    throw ActionError("a folder is in the settings file's place");
+  return path;
 }
 
 plist_t toNode(const SettingValue& value) {
@@ -27,7 +34,7 @@ plist_t toNode(const SettingValue& value) {
 }  // namespace
 
 void setSetting(Device& device, const std::string& key, const SettingValue& value) {
-  PlistNode root = readDictionary(device.hostPath(kPath));
+  PlistNode root = readDictionary(changedPath(device));
   const bool takeOut = std::holds_alternative<Absent>(value);
   if (!root) {
     if (takeOut) return;
@@ -41,11 +48,11 @@ void setSetting(Device& device, const std::string& key, const SettingValue& valu
 }
 
 void writeSettings(Device& device, const std::string& bytes) {
-  std::ofstream file(device.hostPath(kPath), std::ios::binary | std::ios::trunc);
+  std::ofstream file(changedPath(device), std::ios::binary | std::ios::trunc);
   file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
 }
 
-void removeSettings(Device& device) { std::filesystem::remove(device.hostPath(kPath)); }
+void removeSettings(Device& device) { std::filesystem::remove(changedPath(device)); }
 
 std::optional<std::map<std::string, std::string>> readSettings(const Device& device) {
   const PlistNode root = readDictionary(device.hostPath(kPath));

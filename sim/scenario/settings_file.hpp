@@ -1,4 +1,5 @@
-// What the settings pane does to the settings file, announcing nothing.
+// What the settings pane does to the settings file, announcing nothing. Whatever changes the file
+// throws ActionError if there is a folder in its place.
 #pragma once
 #include <map>
 #include <optional>
