@@ -42,6 +42,8 @@ TEST_F(HostileSettings, OfTheCorpusBreakNothing) {
   for (const std::string& settings : files) play(settings);
 }
 
+TEST_F(HostileSettings, AnEmptyFileBreaksNothing) { play(""); }
+
 TEST_F(HostileSettings, DrawnFromTheCorpusBreakNothing) {
   search::Random random(1);
   const auto files = corpus();

@@ -58,6 +58,24 @@ TEST(Mistakes, NumbersKeepTheirRange) {
   EXPECT_NE(mistake("player com.example.notes after 1"), "none");
 }
 
+TEST(Mistakes, AFileInHexadecimalDigitsHasAtLeastOneByte) {
+  EXPECT_EQ(mistake("prefs-file hex"),
+            "story.txt:1: prefs-file: a byte in hexadecimal digits is missing");
+  EXPECT_EQ(mistake("prefs-file hex # 00"), mistake("prefs-file hex"));
+  EXPECT_NE(mistake("prefs-file"), "none");
+  EXPECT_EQ(mistake("prefs-file \"\""), "none");
+  EXPECT_EQ(mistake("prefs-file hex 00"), "none");
+}
+
+// However late in the scenario: it is read before anything runs.
+TEST(Mistakes, AClassThatIsLackingIsOneThatThePlatformHas) {
+  EXPECT_EQ(mistake("boot\nno-class SBNonsense"),
+            "story.txt:2: no-class: no class SBNonsense is known");
+  EXPECT_NE(mistake("no-class _ShownAlerts"), "none");
+  EXPECT_EQ(mistake("no-class SBIconController"), "none");
+  EXPECT_EQ(mistake("no-class ALApplicationList"), "none");
+}
+
 TEST(Mistakes, ExpectationsAreCheckedToo) {
   EXPECT_NE(mistake("expect"), "none");
   EXPECT_NE(mistake("expect-count many x"), "none");

@@ -83,13 +83,17 @@ std::string asFile(const PlistNode& root, Random& random) {
   return file;
 }
 
+std::string asArgument(const std::string& file) {
+  if (file.empty()) return R"("")";
+  std::string digits = "hex ";
+  for (const char byte : file) digits += fmt::format("{:02x}", static_cast<unsigned char>(byte));
+  return digits;
+}
+
 std::string drawSettingsFile(Random& random) {
   std::string file = asFile(drawSettings(random), random);
   if (random.chance(15)) file.resize(random.below(file.size() + 1));
-  std::string digits = "hex";
-  if (!file.empty()) digits += ' ';
-  for (const char byte : file) digits += fmt::format("{:02x}", static_cast<unsigned char>(byte));
-  return digits;
+  return asArgument(file);
 }
 
 }  // namespace sim::explore

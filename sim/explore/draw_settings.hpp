@@ -11,5 +11,7 @@ PlistNode drawValue(search::Random& random);
 PlistNode drawSettings(search::Random& random);
 // XML or binary.
 std::string asFile(const PlistNode& root, search::Random& random);
+// These bytes as the argument of `prefs-file`.
+std::string asArgument(const std::string& file);
 
 }  // namespace sim::explore

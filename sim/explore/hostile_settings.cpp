@@ -1,7 +1,5 @@
 #include "sim/explore/hostile_settings.hpp"
 
-#include <fmt/format.h>
-
 #include "sim/explore/draw_settings.hpp"
 #include "sim/explore/names.hpp"
 
@@ -10,13 +8,11 @@ namespace sim::explore {
 using search::Random;
 
 Lines scenarioOn(const std::string& settings) {
-  std::string hex;
-  for (const char byte : settings) hex += fmt::format("{:02x}", static_cast<unsigned char>(byte));
   return {
       R"(app com.spotify.client "Spotify")",
       R"(app com.apple.podcasts "Podcasts")",
       R"(app com.example.notes "Notes")",
-      "prefs-file hex " + hex,
+      "prefs-file " + asArgument(settings),
       "boot",
       "title-view new view",
       "start com.spotify.client",

@@ -288,10 +288,15 @@ void setRunning(Device& device, const std::string& app, bool running) {
   installed(device, app).running = running;
 }
 
+// Names that begin with an underscore are the simulation's own.
+bool isKnownClass(const std::string& name) {
+  return !name.starts_with('_') &&
+         std::ranges::any_of(classDefinitions(), [&](const ClassDefinition& definition) {
+           return definition.name() == name;
+         });
+}
+
 void removeClass(Device& device, const std::string& name) {
-  const auto known = [&](const ClassDefinition& definition) { return definition.name() == name; };
-  if (name.starts_with('_') || std::ranges::none_of(classDefinitions(), known))
-    throw ActionError("no class " + name + " is known");
   device.state.missingClasses.insert(name);
   // Looked up at each use, so gone at once; what else exists stays for its process's life.
   if (name == "ALApplicationList")

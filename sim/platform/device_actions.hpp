@@ -55,6 +55,7 @@ void watchCommand(Device& device, long command);
 // ---- Set-up that needs a check
 void unlist(Device& device, const std::string& app);
 void setRunning(Device& device, const std::string& app, bool running);
+bool isKnownClass(const std::string& name);  // one that the platform has
 void removeClass(Device& device, const std::string& name);
 
 }  // namespace sim

@@ -37,6 +37,7 @@ Action unlistApp(Arguments& words) {
 
 Action noClass(Arguments& words) {
   const std::string name = words.bare("a class");
+  if (!isKnownClass(name)) throw SyntaxError("no-class: no class " + name + " is known");
   return doing([=](Device& device) { removeClass(device, name); });
 }
 
@@ -86,7 +87,7 @@ Action prefsFile(Arguments& words) {
     bytes = words.quoted("the contents");
   } else {
     words.oneOf({"hex"});
-    bytes = fromHex(words.atEnd() ? "" : words.bare("hexadecimal digits"));
+    bytes = fromHex(words.bare("a byte in hexadecimal digits"));
   }
   return doing([=](Device& device) { writeSettings(device, bytes); });
 }
