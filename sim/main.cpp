@@ -22,7 +22,7 @@ struct CommandLine {
   std::string calls = "effects";
   bool leaks = false;
   std::string image;
-  std::string slice = "arm64";
+  std::string slice;  // the first that the image holds, if none is asked for
   guest::GuestDebugging debugging;
   std::vector<std::string> files;
   search::SearchOptions search;
@@ -48,15 +48,17 @@ std::unique_ptr<LibraryLoader> makeHostLoader() {
 // The host build, or the device binary that was asked for.
 std::unique_ptr<LibraryLoader> makeLoader(const CommandLine& line) {
   if (line.image.empty()) return makeHostLoader();
-  const auto slice = line.slice == "arm64" ? guest::Slice::arm64 : guest::Slice::armv7;
+  const guest::Slice slice = line.slice.empty()      ? guest::slicesOf(line.image).front()
+                             : line.slice == "arm64" ? guest::Slice::arm64
+                                                     : guest::Slice::armv7;
   return std::make_unique<guest::GuestLibraryLoader>(line.image, slice, line.debugging);
 }
 
-// The host build, and with a device binary both of its slices.
+// The host build, and with a device binary each of its slices.
 std::vector<explore::Build> makeBuilds(const std::string& image) {
   std::vector<explore::Build> builds = {{"host", makeHostLoader}};
   if (image.empty()) return builds;
-  for (const guest::Slice slice : {guest::Slice::arm64, guest::Slice::armv7})
+  for (const guest::Slice slice : guest::slicesOf(image))
     builds.push_back({slice == guest::Slice::arm64 ? "arm64" : "armv7", [image, slice] {
                         return std::make_unique<guest::GuestLibraryLoader>(image, slice);
                       }});

@@ -118,6 +118,27 @@ TEST(CommandLine, UnknownOptionsAreStatusTwo) {
   EXPECT_EQ(run("--help").status, 0);
 }
 
+TEST(CommandLine, AThinImageIsItsOnlySlice) {
+  const std::string images = std::string(CORVALEN_SOURCE_DIR) + "/tests/corpus/macho/";
+  for (const char* image : {"arm64.dylib", "armv7.dylib", "fat.dylib"}) {
+    const Finished result = run("run --image " + images + image + " -", "boot\n");
+    EXPECT_EQ(result.status, 0) << image << result.output;
+    EXPECT_NE(result.output.find("initWithContentsOfFile:"), std::string::npos) << image;
+  }
+  const std::string thin = "--image " + images + "armv7.dylib ";
+  EXPECT_EQ(run("run " + thin + "--slice armv7 -", "boot\n").status, 0);
+  EXPECT_EQ(run("run " + thin + "--slice arm64 -", "boot\n").status, 2);
+  const Finished none = run("run --image " + images + "../settings/full.xml -", "boot\n");
+  EXPECT_EQ(none.status, 2);
+  EXPECT_EQ(none.output, "corvalen-sim: the file has no slice for arm64 or armv7\n");
+}
+
+TEST(CommandLine, AnUnknownClassIsFoundBeforeAnythingRuns) {
+  const Finished result = run("run -", "boot\nno-class SBNonsense\n");
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.output, "standard input:2: no-class: no class SBNonsense is known\n");
+}
+
 TEST(CommandLine, JsonHasOneObjectALine) {
   const Finished result = run("run --format json -", "boot\nremote 1\n");
   EXPECT_NE(result.output.find("{\"command\": \"remote 1\"}\n"

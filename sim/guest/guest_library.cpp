@@ -193,6 +193,10 @@ class GuestLibrary final : public Library {
   Cost lastObserver_;
 };
 
+std::vector<Slice> slicesOf(const std::filesystem::path& file) {
+  return slicesIn(fileContents(file));
+}
+
 GuestLibraryLoader::GuestLibraryLoader(const std::filesystem::path& file, Slice slice,
                                        GuestDebugging debugging)
     : slice_(slice), debugging_(std::move(debugging)) {

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <memory>
 #include <set>
+#include <vector>
 
 #include "sim/core/library.hpp"
 #include "sim/guest/slice.hpp"
@@ -45,6 +46,10 @@ struct FixUps {
   std::size_t binds = 0;
   std::size_t lazyBinds = 0;  // at the first call of each
 };
+
+// Which slices a device binary holds, arm64 first; a thin one holds one. Throws MachOError if it
+// holds none.
+std::vector<Slice> slicesOf(const std::filesystem::path& file);
 
 class GuestLibraryLoader final : public LibraryLoader {
  public:

@@ -1,6 +1,7 @@
 #include "sim/guest/macho_file.hpp"
 
 #include <algorithm>
+#include <optional>
 
 #include "sim/guest/byte_reader.hpp"
 #include "sim/guest/fixups.hpp"
@@ -24,9 +25,10 @@ Cpu cpuOf(Slice slice) {
   return {0xfeedface, 12, 9};
 }
 
-// The wanted part of a fat file; a thin file is its own.
-ByteReader thin(const ByteReader& file, Slice slice) {
-  if (file.bigEndian(0) != kFatMagic) return file;
+bool isFat(const ByteReader& file) { return file.bigEndian(0) == kFatMagic; }
+
+// The wanted part of a fat file, if it has it.
+std::optional<ByteReader> partOf(const ByteReader& file, Slice slice) {
   const std::uint32_t count = file.bigEndian(4);
   if (count > kMostSlices) throw MachOError(fmt::format("a fat file of {} slices", count));
   for (std::uint32_t i = 0; i < count; ++i) {
@@ -35,6 +37,13 @@ ByteReader thin(const ByteReader& file, Slice slice) {
         file.bigEndian(entry + 4) == cpuOf(slice).subtype)
       return file.slice(file.bigEndian(entry + 8), file.bigEndian(entry + 12), "a slice");
   }
+  return std::nullopt;
+}
+
+// The wanted part of a fat file; a thin file is its own.
+ByteReader thin(const ByteReader& file, Slice slice) {
+  if (!isFat(file)) return file;
+  if (const auto part = partOf(file, slice)) return *part;
   throw MachOError("the fat file has no slice for the architecture asked for");
 }
 
@@ -215,6 +224,17 @@ class Loader {
 };
 
 }  // namespace
+
+std::vector<Slice> slicesIn(const std::vector<std::uint8_t>& file) {
+  const ByteReader reader(file);
+  std::vector<Slice> slices;
+  for (const Slice slice : {Slice::arm64, Slice::armv7})
+    if (isFat(reader) ? partOf(reader, slice).has_value()
+                      : reader.at<std::uint32_t>(0) == cpuOf(slice).magic)
+      slices.push_back(slice);
+  if (slices.empty()) throw MachOError("the file has no slice for arm64 or armv7");
+  return slices;
+}
 
 MachOImage loadMachO(const std::vector<std::uint8_t>& file, Slice slice) {
   const ByteReader reader(file);

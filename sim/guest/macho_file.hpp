@@ -58,6 +58,10 @@ struct MachOImage {
   std::uint64_t size = 0;       // of the whole image in memory
 };
 
+// Which slices a file holds, arm64 first; a thin file holds one. Throws MachOError if it holds
+// none.
+std::vector<Slice> slicesIn(const std::vector<std::uint8_t>& file);
+
 // Reads the wanted slice of a file. Throws MachOError for whatever a phone would refuse.
 MachOImage loadMachO(const std::vector<std::uint8_t>& file, Slice slice);
 
