@@ -129,6 +129,7 @@ ClassDefinition defineACAccountStore() {
   auto definition =
       ClassDefinition::of<ACAccountStore>("ACAccountStore", "NSObject", Home::springBoard());
   definition.mainThreadOnly(false);
+  definition.partOf(Framework::Accounts);
   definition.method("accountTypeWithAccountTypeIdentifier:", &ACAccountStore::typeWithIdentifier);
   definition
       .method("requestAccessToAccountsWithType:withCompletionHandler:",
@@ -140,12 +141,14 @@ ClassDefinition defineACAccountStore() {
 
 ClassDefinition defineACAccountType() {
   return ClassDefinition::of<ACAccountType>("ACAccountType", "NSObject", Home::springBoard())
-      .mainThreadOnly(false);
+      .mainThreadOnly(false)
+      .partOf(Framework::Accounts);
 }
 
 ClassDefinition defineACAccount() {
   auto definition = ClassDefinition::of<ACAccount>("ACAccount", "NSObject", Home::springBoard());
   definition.mainThreadOnly(false);
+  definition.partOf(Framework::Accounts);
   definition.method("username", &ACAccount::username);
   return definition;
 }
@@ -153,6 +156,7 @@ ClassDefinition defineACAccount() {
 ClassDefinition defineSLRequest() {
   auto definition = ClassDefinition::of<SLRequest>("SLRequest", "NSObject", Home::springBoard());
   definition.mainThreadOnly(false);
+  definition.partOf(Framework::Social);
   definition.classMethod("requestForServiceType:requestMethod:URL:parameters:", &makeRequest);
   definition.method("setAccount:", &SLRequest::setAccount);
   definition.method("performRequestWithHandler:", &SLRequest::perform).effect(describeRequest);

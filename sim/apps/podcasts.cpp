@@ -85,8 +85,9 @@ void startPodcasts(Process& process) {
   const bool newer = process.device.state.version >= kNewerDelegate;
   const std::string name = newer ? "MTAppDelegate_iOS" : "MTAppDelegate";
   if (!process.findClass(name)) return;
-  process.send(&process.shared<Object>(name), "application:willFinishLaunchingWithOptions:",
-               {Value::object(sharedApplication(process)->address), Value::nil()});
+  process.sendIfAnswered(&process.shared<Object>(name),
+                         "application:willFinishLaunchingWithOptions:",
+                         {Value::object(sharedApplication(process)->address), Value::nil()});
 }
 
 ClassDefinition defineMTPlayer() {

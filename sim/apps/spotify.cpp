@@ -95,7 +95,7 @@ void makePlaybackController(Process& spotify) {
   if (!cls || !spotify.findClass("SPTPlayer")) return;
   const Ref<Object> fresh = spotify.allocateInstance(*cls);
   auto& player = spotify.shared<SPTPlayer>("SPTPlayer");
-  const Value result = spotify.send(
+  const Value result = spotify.sendIfAnswered(
       fresh.get(),
       "initWithPlayer:trackPosition:radioThumbsStateManager:adsManager:trackMetadataQueue:",
       {Value::object(player.address), Value::nil(), Value::nil(), Value::nil(), Value::nil()});
@@ -106,9 +106,9 @@ void startSpotify(Process& process) {
   if (process.findClass("SPTPlayer"))
     process.shared<SPTPlayer>("SPTPlayer").reluctance = Reluctance(process);
   if (process.findClass("SpotifyAppDelegate"))
-    process.send(&process.shared<Object>("SpotifyAppDelegate"),
-                 "application:didFinishLaunchingWithOptions:",
-                 {Value::object(sharedApplication(process)->address), Value::nil()});
+    process.sendIfAnswered(&process.shared<Object>("SpotifyAppDelegate"),
+                           "application:didFinishLaunchingWithOptions:",
+                           {Value::object(sharedApplication(process)->address), Value::nil()});
   makePlaybackController(process);
 }
 

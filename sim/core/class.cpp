@@ -23,8 +23,18 @@ Method* Class::own(const std::string& selector) {
 
 Method* Class::find(const std::string& selector) {
   for (Class* cls = this; cls; cls = cls->superclass)
-    if (Method* method = cls->own(selector)) return method;
+    if (Method* method = cls->own(selector))
+      return method;
+    else if (cls->denied.contains(selector))
+      return nullptr;
   return nullptr;
+}
+
+void Class::deny(const std::string& selector) {
+  for (Class* cls : {this, isa}) {
+    cls->methods.erase(selector);
+    cls->denied.insert(selector);
+  }
 }
 
 bool Class::inherits(const Class& ancestor) const {

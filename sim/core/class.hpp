@@ -3,9 +3,11 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
+#include "sim/core/framework.hpp"
 #include "sim/core/object.hpp"
 
 namespace sim {
@@ -44,9 +46,10 @@ struct NativeCode {
   std::string name;  // selector or function
   Signature signature{};
   Native run{};
-  bool effect = false;  // traced even without --calls all
-  bool relay = false;   // never traced: plumbing, or traced by what it leads to
-  Describe describe{};  // overrides how the trace shows it
+  bool effect = false;                      // traced even without --calls all
+  bool relay = false;                       // never traced: plumbing, or traced by what it leads to
+  Describe describe{};                      // overrides how the trace shows it
+  Framework framework = Framework::Always;  // of a C function: what exports it
 };
 
 // What a method runs: platform code, or code inside the process's library.
@@ -59,6 +62,8 @@ struct Method {
   std::string selector;
   Signature signature{};
   Implementation implementation{};
+  // Added when it is first sent, where that class is: not answered to respondsToSelector:.
+  std::string resolvedBy{};
 };
 
 class Class final : public Object {
@@ -73,6 +78,8 @@ class Class final : public Object {
 
   // The method that instances run, searched up the chain; null if none answers. Borrowed.
   Method* find(const std::string& selector);
+  // Takes a method away from instances, their class and whatever inherits it from here.
+  void deny(const std::string& selector);
   // Only the class's own.
   Method* own(const std::string& selector);
   bool inherits(const Class& ancestor) const;
@@ -85,6 +92,7 @@ class Class final : public Object {
   std::map<std::string, Method> methods;
   std::map<std::string, std::string> properties;  // name -> attributes
   bool mainThreadOnly = false;                    // it and its objects take messages there alone
+  std::set<std::string> denied;                   // not even inherited
 };
 
 }  // namespace sim

@@ -1,5 +1,7 @@
 #include "sim/core/class_definition.hpp"
 
+#include <algorithm>
+
 #include "sim/core/device.hpp"
 
 namespace sim {
@@ -16,6 +18,27 @@ ClassDefinition& ClassDefinition::onlyWithAddOn(std::string addOn) {
   return *this;
 }
 
+ClassDefinition& ClassDefinition::on(Versions versions) {
+  rows_.back().versions = versions;
+  return *this;
+}
+
+ClassDefinition& ClassDefinition::resolvedBy(std::string className, Versions versions) {
+  rows_.back().resolvedBy = std::move(className);
+  rows_.back().resolvedOn = versions;
+  return *this;
+}
+
+ClassDefinition& ClassDefinition::classOn(Versions versions) {
+  versions_ = versions;
+  return *this;
+}
+
+ClassDefinition& ClassDefinition::partOf(Framework framework) {
+  framework_ = framework;
+  return *this;
+}
+
 namespace {
 
 bool isHome(const Home& home, const Process& process) {
@@ -25,14 +48,26 @@ bool isHome(const Home& home, const Process& process) {
     case Home::Where::SpringBoard:
       return process.isSpringBoard();
     case Home::Where::App:
-      return process.identifier == home.name;
+      return process.identifier == home.name && !process.isDaemon;
     case Home::Where::AddOn:
       return process.isSpringBoard() && process.addOns.contains(home.name);
   }
   return false;
 }
 
+// Whether the process's classes have what is of these versions.
+bool has(const Process& process, Versions versions) {
+  return !process.selectorsOf || versions.contain(*process.selectorsOf);
+}
+
 }  // namespace
+
+bool isKnownClass(const std::string& name) {
+  return !name.starts_with('_') &&
+         std::ranges::any_of(classDefinitions(), [&](const ClassDefinition& definition) {
+           return definition.name() == name;
+         });
+}
 
 void ClassDefinition::install(Process& process) const {
   const DeviceState& state = process.device.state;
@@ -40,19 +75,26 @@ void ClassDefinition::install(Process& process) const {
   // The platform itself cannot do without what every process has: that is only not to be found.
   const bool hidden = missing && home_.where == Home::Where::Everywhere;
   if (!isHome(home_, process) || (missing && !hidden)) return;
+  if (!has(process, versions_)) return;
   Class* superclass = superclass_.empty() ? nullptr : &process.requireClass(superclass_);
   Class& cls = process.createClass(name_, superclass);
   if (factory_) cls.factory = factory_;
   cls.mainThreadOnly = cls.isa->mainThreadOnly = mainThreadOnly_;
   for (const Row& row : rows_) {
     if (!row.addOn.empty() && !process.addOns.contains(row.addOn)) continue;
+    if (!has(process, row.versions)) continue;
     Class& target = row.onClass ? *cls.isa : cls;
-    target.methods[row.code->name] = {row.code->name, row.code->signature, {row.code, 0}};
+    Method& method = target.methods[row.code->name];
+    method = {row.code->name, row.code->signature, {row.code, 0}, {}};
+    if (process.selectorsOf && row.resolvedOn.contain(*process.selectorsOf))
+      method.resolvedBy = row.resolvedBy;
   }
+  for (const auto& [className, selector] : state.missingMethods)
+    if (className == name_) cls.deny(selector);
   if (hidden)
     process.hideClass(cls);
   else
-    process.registerClass(cls);
+    process.registerClassOf(framework_, cls);
 }
 
 }  // namespace sim

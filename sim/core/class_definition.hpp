@@ -3,6 +3,7 @@
 #include <type_traits>
 
 #include "sim/core/bind.hpp"
+#include "sim/core/versions.hpp"
 
 namespace sim {
 
@@ -60,6 +61,15 @@ class ClassDefinition {
   }
   // The method added last exists only with that add-on.
   ClassDefinition& onlyWithAddOn(std::string addOn);
+  // The method added last is one of these versions, where processes have only those of their own.
+  ClassDefinition& on(Versions versions);
+  // The method added last is, on these versions, only made by that class of an add-on's.
+  ClassDefinition& resolvedBy(std::string className, Versions versions);
+
+  // The whole class is one of these versions.
+  ClassDefinition& classOn(Versions versions);
+  // The framework that the class comes with.
+  ClassDefinition& partOf(Framework framework);
 
   // Adds the class to a process that is its home, unless the device says that it is missing.
   // Superclasses must have been added before.
@@ -73,6 +83,9 @@ class ClassDefinition {
     std::shared_ptr<NativeCode> code;
     bool onClass;
     std::string addOn;
+    Versions versions{};
+    std::string resolvedBy{};
+    Versions resolvedOn{};
   };
   ClassDefinition(std::string name, std::string superclass, Home home)
       : name_(std::move(name)),
@@ -84,6 +97,8 @@ class ClassDefinition {
   std::string name_;
   std::string superclass_;
   Home home_;
+  Versions versions_{};
+  Framework framework_ = Framework::Always;
   Class::Factory factory_{};
   std::vector<Row> rows_;
   NativeCode* last_ = nullptr;
@@ -92,6 +107,8 @@ class ClassDefinition {
 
 // The master list, superclasses first.
 const std::vector<ClassDefinition>& classDefinitions();
+// Whether scenarios may name that class.
+bool isKnownClass(const std::string& name);
 // The platform's C functions.
 const std::vector<std::shared_ptr<const NativeCode>>& platformFunctions();
 

@@ -86,6 +86,13 @@ void Device::startApp(const std::string& identifier) {
   });
 }
 
+void Device::startDaemon(const std::string& name) {
+  auto& process =
+      *processes_.emplace_back(std::make_unique<Process>(*this, name, Process::Program::Daemon));
+  process.number = ++started_;
+  callback(process, [&] { process.loadLibrary(); });
+}
+
 void Device::endProcess(Process& process) {
   std::erase_if(queue_, [&](const Queued& queued) { return queued.process == process.number; });
   const auto found =

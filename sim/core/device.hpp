@@ -53,7 +53,11 @@ struct PlayerTemper {
 struct DeviceState {
   double version = 1145.15;
   std::vector<App> apps{{kMusic, "Music"}};  // in the order in which they were installed
+  // What processes find that start from now on.
   std::set<std::string> missingClasses;
+  Frameworks frameworks;
+  bool selectorsOfVersion = false;  // only those; else the selectors of every version
+  std::set<std::pair<std::string, std::string>> missingMethods;  // class and selector
   std::set<std::string> addOns;  // installed; their classes come with the next SpringBoard
   bool locked = false;
   bool screenOn = true;
@@ -97,6 +101,8 @@ class Device {
   void bootSpringBoard();
   // An app's process starts: running, processDidLaunch:, its library, its own start-up.
   void startApp(const std::string& identifier);
+  // A daemon's process starts: its library is loaded.
+  void startDaemon(const std::string& name);
   // Ends a process without a trace: its timers, observers, queued work and library go.
   void endProcess(Process& process);
 

@@ -32,6 +32,12 @@ Value Process::send(Object* receiver, const std::string& selector, std::vector<V
   return dispatch(*receiver, selector, nullptr, &arguments, Caller::Platform);
 }
 
+Value Process::sendIfAnswered(Object* receiver, const std::string& selector,
+                              std::vector<Value> arguments) {
+  if (!receiver || !receiver->isa->find(selector)) return Value::none();
+  return send(receiver, selector, std::move(arguments));
+}
+
 Value Process::messageFromLibrary(ArgumentSource& source) {
   const Address receiver = source.next(Kind::Object).bits;
   const Address name = source.next(Kind::Selector).bits;
@@ -46,7 +52,8 @@ Value Process::dispatch(Object& receiver, const std::string& selector, ArgumentS
                         std::vector<Value>* arguments, Caller caller) {
   throwDeferredFault();
   Method* method = receiver.isa->find(selector);
-  if (!method) throw Fault(unrecognized(receiver, selector));
+  const bool answered = method && (method->resolvedBy.empty() || findClass(method->resolvedBy));
+  if (!answered) throw Fault(unrecognized(receiver, selector));
   requireThread(receiver, *method);
   std::vector<Value> values;
   if (arguments) {
@@ -153,10 +160,15 @@ Value Process::callFunction(const std::string& name, std::vector<Value> argument
                             std::move(arguments), nullptr, caller);
 }
 
-Address Process::symbol(const std::string& name) {
+bool Process::isExported(Framework by, std::optional<Framework> only) const {
+  return has(by) && (!only || *only == by);
+}
+
+Address Process::symbol(const std::string& name, std::optional<Framework> only) {
   const auto found = functions_.find(name);
-  if (found == functions_.end()) return platformVariable(name);
+  if (found == functions_.end()) return platformVariable(name, only);
   Function& function = found->second;
+  if (!isExported(function.native->framework, only)) return 0;
   if (!function.exposed) {
     // What is handed out goes by the name, so that it meets a replacement made later.
     auto entry = std::make_shared<NativeCode>(*function.native);
@@ -220,7 +232,8 @@ std::string Process::functionName(Address function) const {
 }
 
 bool Process::responds(Object& object, const std::string& selector) {
-  return object.isa->find(selector) != nullptr;
+  const Method* method = object.isa->find(selector);
+  return method && method->resolvedBy.empty();
 }
 
 }  // namespace sim

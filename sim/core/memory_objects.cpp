@@ -36,16 +36,20 @@ Object* Process::literal(Address address) {
 }
 
 // Exported variables that hold a string: dlsym gives the variable's address.
-Address Process::platformVariable(const std::string& name) {
-  static const std::map<std::string, std::string> strings = {
-      {"ACAccountTypeIdentifierTwitter", "com.apple.twitter"},
-      {"SLServiceTypeTwitter", "SLServiceTypeTwitter"},
+Address Process::platformVariable(const std::string& name, std::optional<Framework> only) {
+  struct Exported {
+    Framework framework;
+    std::string text;
   };
-  const auto text = strings.find(name);
-  if (text == strings.end() || !isSpringBoard()) return 0;
+  static const std::map<std::string, Exported> strings = {
+      {"ACAccountTypeIdentifierTwitter", {Framework::Accounts, "com.apple.twitter"}},
+      {"SLServiceTypeTwitter", {Framework::Social, "SLServiceTypeTwitter"}},
+  };
+  const auto found = strings.find(name);
+  if (found == strings.end() || !isExported(found->second.framework, only)) return 0;
   Address& variable = variables_[name];
   if (!variable) {
-    auto* string = new NSString(*this, text->second, /*constant=*/true);
+    auto* string = new NSString(*this, found->second.text, /*constant=*/true);
     adopt(string, requireClass("NSString"));
     variable = library_->allocate(library_->pointerSize());
     library_->writePointer(variable, string->address);

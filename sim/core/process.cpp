@@ -5,8 +5,15 @@
 
 namespace sim {
 
-Process::Process(Device& device, std::string identifier)
-    : device(device), identifier(std::move(identifier)), addOns(device.state.addOns) {
+Process::Process(Device& device, std::string identifier, Program program)
+    : device(device),
+      identifier(std::move(identifier)),
+      isDaemon(program == Program::Daemon),
+      addOns(device.state.addOns),
+      selectorsOf(device.state.selectorsOfVersion ? std::optional(device.state.version)
+                                                  : std::nullopt),
+      frameworks_(device.state.frameworks) {
+  if (isDaemon && has(Framework::UIKit)) frameworks_[Framework::UIKit] = Presence::Late;
   pools_.emplace_back();  // for what happens outside of any callback
   installClasses();
   installFunctions();
@@ -23,7 +30,7 @@ Process::~Process() {
   heapIsGoing = false;
 }
 
-bool Process::isSpringBoard() const { return identifier == kSpringBoard; }
+bool Process::isSpringBoard() const { return identifier == kSpringBoard && !isDaemon; }
 
 void Process::loadLibrary() {
   library_ = device.loader.load(*this);
@@ -105,6 +112,7 @@ Object* Process::object(Address address) {
 
 void Process::free(Object& object) {
   // The object must stay usable while dealloc, which may be hooked, runs.
+  if (!object.isa->find("dealloc")) return destroy(object);
   send(&object, "dealloc");
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <unordered_map>
@@ -17,14 +18,18 @@ class Device;
 
 class Process {
  public:
-  Process(Device& device, std::string identifier);
+  // A daemon has a name in place of a bundle identifier, and no UIKit.
+  enum class Program : std::uint8_t { App, Daemon };
+  Process(Device& device, std::string identifier, Program program = Program::App);
   ~Process();
   Process(const Process&) = delete;
   Process& operator=(const Process&) = delete;
 
   Device& device;
-  const std::string identifier;        // the bundle identifier, also its name in traces
-  const std::set<std::string> addOns;  // that were there when it started
+  const std::string identifier;             // the bundle identifier, also its name in traces
+  const bool isDaemon;                      // without a bundle identifier: that is its name
+  const std::set<std::string> addOns;       // that were there when it started
+  const std::optional<double> selectorsOf;  // the version whose methods classes have; none: all
   bool isSpringBoard() const;
   Thread thread = Thread::Main;  // of the running callback
 
@@ -40,6 +45,16 @@ class Process {
   void hideClass(Class& cls);                                      // only platform code finds it
   void registerClass(Class& cls);                                  // now findClass sees it
   void removeClass(const std::string& name);                       // its objects stay
+  // Now findClass sees it if its framework is loaded, else once that is.
+  void registerClassOf(Framework framework, Class& cls);
+  // ---- Frameworks
+  // Loads a framework if it is not there yet; false if it cannot be loaded.
+  bool load(Framework framework);
+  bool has(Framework framework) const { return frameworks_.has(framework); }
+  // An exported C function or variable by name, as dlsym finds it: of one framework, or of all
+  // that are loaded. 0 if there is none.
+  Address symbol(const std::string& name, std::optional<Framework> only = std::nullopt);
+
   Address selector(const std::string& name);
   const std::string& selectorName(Address selector) const;  // Fault if it is none
 
@@ -84,6 +99,9 @@ class Process {
   // ---- Calls
   // Sends a message as platform code does. A nil receiver answers zero.
   Value send(Object* receiver, const std::string& selector, std::vector<Value> arguments = {});
+  // The same to a receiver that may not answer: then nothing happens.
+  Value sendIfAnswered(Object* receiver, const std::string& selector,
+                       std::vector<Value> arguments = {});
   // The library sends a message: receiver, selector and arguments still to be read.
   Value messageFromLibrary(ArgumentSource& source);
   // The library calls platform code.
@@ -101,13 +119,12 @@ class Process {
   // Runs a native with its trace line.
   Value runNative(const NativeCode& code, Invocation& invocation);
 
+  // What respondsToSelector: says.
   bool responds(Object& object, const std::string& selector);
 
   // ---- Hooks (what Substrate does)
   void hookMethod(Class* cls, const std::string& selector, Address replacement, Address slot);
   void hookFunction(Address function, Address replacement, Address slot);
-  // An exported C function or variable by name, as dlsym finds it; 0 if there is none.
-  Address symbol(const std::string& name);
   // The name of the function that symbol() gave out at that address; "nil" for 0.
   std::string functionName(Address function) const;
 
@@ -131,12 +148,15 @@ class Process {
                  std::vector<Value>* arguments, Caller caller);
   void requireThread(Object& receiver, const Method& method);
   Object* literal(Address address);
-  Address platformVariable(const std::string& name);
+  Address platformVariable(const std::string& name, std::optional<Framework> only);
+  bool isExported(Framework by, std::optional<Framework> only) const;
   void installClasses();
   void installFunctions();
 
   std::map<std::string, Class*> classes_;
   std::map<std::string, Class*> hiddenClasses_;
+  Frameworks frameworks_;
+  std::multimap<Framework, Class*> classesOfLateFrameworks_;
   std::unordered_map<Address, Object*> heap_;
   std::unordered_map<Address, std::string> freed_;  // address -> class, to name the culprit
   std::vector<std::vector<Ref<Object>>> pools_;

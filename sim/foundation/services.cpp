@@ -24,7 +24,7 @@ class NSBundle final : public Object {
  public:
   using Object::Object;
   NSString* bundleIdentifier() {
-    if (process.identifier.empty()) return nullptr;
+    if (process.isDaemon || process.identifier.empty()) return nullptr;
     if (!identifier_) identifier_ = makeString(process, process.identifier);
     return identifier_.get();
   }

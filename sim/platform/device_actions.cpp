@@ -41,13 +41,14 @@ Value text(Process& process, const std::string& string) {
   return Value::object(process.autorelease(makeString(process, string))->address);
 }
 
-// Sends a message to the one object of a class of SpringBoard's; nothing where it is missing.
+// Sends a message to the one object of a class of SpringBoard's; nothing where it is missing or
+// does not answer.
 using Arguments = std::function<std::vector<Value>(Process&)>;
 void sendTo(Device& device, const std::string& className, const std::string& selector,
             const Arguments& arguments) {
   Process& process = springBoard(device);
   Class* cls = process.findClass(className);
-  if (!cls) return;
+  if (!cls || !cls->find(selector)) return;
   device.callback(
       process, [&] { process.send(&process.sharedInstance(*cls), selector, arguments(process)); });
 }
@@ -79,6 +80,13 @@ void start(Device& device, const std::string& app) {
   installed(device, app);
   if (device.process(app)) throw ActionError(app + " is running already");
   device.startApp(app);
+}
+
+void startDaemon(Device& device, const std::string& name) {
+  if (name == kSpringBoard || device.state.app(name))
+    throw ActionError(name + " is an app and no daemon");
+  if (device.process(name)) throw ActionError(name + " is running already");
+  device.startDaemon(name);
 }
 
 void end(Device& device, const std::string& app) {
@@ -191,7 +199,7 @@ std::optional<bool> dragLockScreen(Device& device) {
   Process& process = springBoard(device);
   Class* cls = process.findClass("SBLockScreenScrollView");
   std::optional<bool> answer;
-  if (!cls) return answer;
+  if (!cls || !cls->find("touchesShouldCancelInContentView:")) return answer;
   device.callback(process, [&] {
     const Value view = fresh(process, "SBLockScreenScrollView");
     const Value content = Value::object(
@@ -243,8 +251,10 @@ void auxoWidget(Device& device, const std::string& app, bool withCell) {
 
 namespace {
 
+// Whoever calls the function has loaded what exports it.
 std::optional<bool> sendCommand(Process& process, unsigned command, Thread thread) {
   std::optional<bool> answer;
+  if (!process.load(Framework::MediaRemote)) return answer;
   const auto send = [&] {
     answer = process
                  .callFunction("MRMediaRemoteSendCommand",
@@ -275,8 +285,8 @@ void watchCommand(Device& device, long command) {
   Process& process = runningApp(device, kGarmin);
   if (!process.findClass("GCMMusicController")) return;
   device.callback(process, [&] {
-    process.send(&process.shared<Object>("GCMMusicController"),
-                 "didReceiveCommand:", {Value::integer(Kind::ULong, command)});
+    process.sendIfAnswered(&process.shared<Object>("GCMMusicController"),
+                           "didReceiveCommand:", {Value::integer(Kind::ULong, command)});
   });
 }
 
@@ -286,14 +296,6 @@ void unlist(Device& device, const std::string& app) { installed(device, app).lis
 
 void setRunning(Device& device, const std::string& app, bool running) {
   installed(device, app).running = running;
-}
-
-// Names that begin with an underscore are the simulation's own.
-bool isKnownClass(const std::string& name) {
-  return !name.starts_with('_') &&
-         std::ranges::any_of(classDefinitions(), [&](const ClassDefinition& definition) {
-           return definition.name() == name;
-         });
 }
 
 void removeClass(Device& device, const std::string& name) {

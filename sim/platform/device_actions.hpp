@@ -15,7 +15,8 @@ class ActionError : public std::runtime_error {
 // ---- Processes
 void boot(Device& device);
 void start(Device& device, const std::string& app);
-void end(Device& device, const std::string& app);
+void startDaemon(Device& device, const std::string& name);
+void end(Device& device, const std::string& app);  // or a daemon
 void processLaunched(Device& device, const std::string& app);
 
 // ---- SpringBoard
@@ -55,7 +56,6 @@ void watchCommand(Device& device, long command);
 // ---- Set-up that needs a check
 void unlist(Device& device, const std::string& app);
 void setRunning(Device& device, const std::string& app, bool running);
-bool isKnownClass(const std::string& name);  // one that the platform has
 void removeClass(Device& device, const std::string& name);
 
 }  // namespace sim

@@ -32,14 +32,22 @@ bool reachabilityFlags(Process& process, Object* reachability, Pointer flags) {
   return true;
 }
 
+NativeCode of(Framework framework, NativeCode code) {
+  code.framework = framework;
+  return code;
+}
+
 }  // namespace
 
 Functions frameworkFunctions() {
   return {
-      effect(bindFunction("MRMediaRemoteSendCommand", &sendCommand)),
-      effect(bindFunction("AudioServicesPlaySystemSound", &playSystemSound)),
-      bindFunction("SCNetworkReachabilityCreateWithAddress", &createReachability),
-      bindFunction("SCNetworkReachabilityGetFlags", &reachabilityFlags),
+      of(Framework::MediaRemote, effect(bindFunction("MRMediaRemoteSendCommand", &sendCommand))),
+      of(Framework::AudioToolbox,
+         effect(bindFunction("AudioServicesPlaySystemSound", &playSystemSound))),
+      of(Framework::SystemConfiguration,
+         bindFunction("SCNetworkReachabilityCreateWithAddress", &createReachability)),
+      of(Framework::SystemConfiguration,
+         bindFunction("SCNetworkReachabilityGetFlags", &reachabilityFlags)),
   };
 }
 

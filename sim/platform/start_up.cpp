@@ -8,19 +8,20 @@ namespace sim {
 
 void startUpSpringBoard(Process& springBoard) {
   Object* application = sharedApplication(springBoard);
-  springBoard.send(application, "init");
+  springBoard.sendIfAnswered(application, "init");
   if (Class* cls = springBoard.findClass("SBAppSuggestionManager")) {
     const Ref<Object> fresh = springBoard.allocateInstance(*cls);
-    const Value manager = springBoard.send(fresh.get(), "init");
+    const Value manager = springBoard.sendIfAnswered(fresh.get(), "init");
     if (Object* made = springBoard.object(manager.bits)) springBoard.kept.emplace_back(made);
   }
   if (application)
-    springBoard.send(application,
-                     "applicationDidFinishLaunching:", {Value::object(application->address)});
+    springBoard.sendIfAnswered(
+        application, "applicationDidFinishLaunching:", {Value::object(application->address)});
 }
 
 void tellProcessLaunched(Process& springBoard, const std::string& app) {
-  springBoard.send(applicationObject(springBoard, app), "processDidLaunch:", {Value::nil()});
+  springBoard.sendIfAnswered(applicationObject(springBoard, app),
+                             "processDidLaunch:", {Value::nil()});
 }
 
 void startUpApp(Process& app) {

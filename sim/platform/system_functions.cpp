@@ -7,14 +7,21 @@ namespace sim {
 
 namespace {
 
-constexpr Address kSomeImage = 0x40000000;  // what dlopen answers; nobody looks inside
-
-// Frameworks are there when a class or function of theirs can be.
-Pointer open(Process&, std::string path, int) {
-  return {path.starts_with("/System/Library/") ? kSomeImage : 0};
+// By its full path only, as that is how it is installed.
+Pointer open(Process& process, std::string path, int) {
+  for (const FrameworkImage& image : frameworkImages())
+    if (path == image.path && process.load(image.framework)) return {imageHandle(image.framework)};
+  return {0};
 }
 
-Pointer find(Process& process, Pointer, std::string name) { return {process.symbol(name)}; }
+// RTLD_DEFAULT, whatever the width of pointers.
+bool isEveryImage(Pointer image) { return static_cast<std::int32_t>(image.address) == -2; }
+
+Pointer find(Process& process, Pointer image, std::string name) {
+  if (isEveryImage(image)) return {process.symbol(name)};
+  const auto framework = frameworkOfHandle(image.address);
+  return {framework ? process.symbol(name, framework) : 0};
+}
 
 unsigned post(Process& process, std::string name) {
   process.device.postDarwin(name);

@@ -26,7 +26,7 @@ void newTitleView(Device& device, const std::string& name) {
   auto& views = titleViews(process);
   if (views.contains(name)) throw ActionError("a title view " + name + " lives already");
   Class* cls = process.findClass("MPUMediaControlsTitlesView");
-  if (!cls) {
+  if (!cls || !cls->find("initWithMediaControlsStyle:")) {
     views[name] = {};  // known by name all the same
     return;
   }
@@ -57,8 +57,8 @@ void showInTitleView(Device& device, const std::string& name, const std::string&
   if (found == views.end()) throw ActionError("no title view " + name + " lives");
   device.callback(process, [&] {
     const auto shown = makeString(process, text);
-    process.send(found->second.get(),
-                 "updateNowPlayingAppDisplayName:", {Value::object(shown->address)});
+    process.sendIfAnswered(found->second.get(),
+                           "updateNowPlayingAppDisplayName:", {Value::object(shown->address)});
   });
 }
 

@@ -24,6 +24,11 @@ Action startCommand(Arguments& words) {
   return doing([=](Device& device) { start(device, id); });
 }
 
+Action daemonCommand(Arguments& words) {
+  const std::string name = words.bare("a name");
+  return doing([=](Device& device) { startDaemon(device, name); });
+}
+
 Action endCommand(Arguments& words) {
   const std::string id = words.identifier();
   return doing([=](Device& device) { end(device, id); });
@@ -160,6 +165,7 @@ const std::vector<CommandRow>& eventCommands() {
   static const std::vector<CommandRow> rows = {
       {"boot", bootCommand},
       {"start", startCommand},
+      {"daemon", daemonCommand},
       {"end", endCommand},
       {"open", openCommand},
       {"tap-transport", tapTransportCommand},

@@ -1,4 +1,7 @@
 // Commands that set the device up, without any event.
+#include <algorithm>
+
+#include "sim/core/class_definition.hpp"
 #include "sim/platform/device_actions.hpp"
 #include "sim/scenario/commands.hpp"
 #include "sim/scenario/settings_file.hpp"
@@ -35,9 +38,14 @@ Action unlistApp(Arguments& words) {
   return doing([=](Device& device) { unlist(device, id); });
 }
 
-Action noClass(Arguments& words) {
+std::string knownClass(Arguments& words, const std::string& command) {
   const std::string name = words.bare("a class");
-  if (!isKnownClass(name)) throw SyntaxError("no-class: no class " + name + " is known");
+  if (!isKnownClass(name)) throw SyntaxError(command + ": no class " + name + " is known");
+  return name;
+}
+
+Action noClass(Arguments& words) {
+  const std::string name = knownClass(words, "no-class");
   return doing([=](Device& device) { removeClass(device, name); });
 }
 
@@ -45,6 +53,27 @@ Action addOn(Arguments& words) {
   static constexpr const char* kNames[] = {"Acapella", "Acapella2", "Auxo", "MiniPlayer"};
   const std::string name = kNames[words.oneOf({"Acapella", "Acapella2", "Auxo", "MiniPlayer"})];
   return doing([=](Device& device) { device.state.addOns.insert(name); });
+}
+
+Action framework(Arguments& words) {
+  const std::string name = words.bare("a framework");
+  const auto image = std::ranges::find(frameworkImages(), name, &FrameworkImage::name);
+  if (image == frameworkImages().end()) throw SyntaxError("no framework " + name + " is known");
+  const auto presence = static_cast<Presence>(words.oneOf({"loaded", "late", "missing"}));
+  return doing([=, framework = image->framework](Device& device) {
+    device.state.frameworks[framework] = presence;
+  });
+}
+
+Action selectors(Arguments& words) {
+  const bool ofVersion = words.oneOf({"every", "of-version"}) == 1;
+  return doing([=](Device& device) { device.state.selectorsOfVersion = ofVersion; });
+}
+
+Action noMethod(Arguments& words) {
+  const std::string className = knownClass(words, "no-method");
+  const std::string selector = words.bare("a selector");
+  return doing([=](Device& device) { device.state.missingMethods.insert({className, selector}); });
 }
 
 SettingValue settingValue(Arguments& words) {
@@ -222,6 +251,9 @@ const std::vector<CommandRow>& setUpCommands() {
       {"accounts", accounts},
       {"network", network},
       {"can-open", canOpen},
+      {"framework", framework},
+      {"selectors", selectors},
+      {"no-method", noMethod},
   };
   return rows;
 }

@@ -26,6 +26,7 @@ void FBScene::apply(FBSMutableSceneSettings* settings, Object*, Object*) {
 ClassDefinition defineFBSMutableSceneSettings() {
   auto definition = ClassDefinition::of<FBSMutableSceneSettings>("FBSMutableSceneSettings",
                                                                  "NSObject", Home::springBoard());
+  definition.classOn(Versions::since(kIOS8));
   definition.code(detail::methodCode<FBSMutableSceneSettings, void, bool>(
       "setBackgrounded:",
       [](FBSMutableSceneSettings& self, bool backgrounded) { self.backgrounded = backgrounded; }));
@@ -40,6 +41,7 @@ ClassDefinition defineFBSMutableSceneSettings() {
 
 ClassDefinition defineFBScene() {
   auto definition = ClassDefinition::of<FBScene>("FBScene", "NSObject", Home::springBoard());
+  definition.classOn(Versions::since(kIOS8));
   definition.method("mutableSettings", &FBScene::mutableSettings);
   definition.method("_applyMutableSettings:withTransitionContext:completion:", &FBScene::apply)
       .effect();
@@ -98,10 +100,11 @@ ClassDefinition defineSBApplication() {
   definition.method("displayIdentifier", &SBApplication::bundleIdentifier);
   definition.method("displayName", &SBApplication::displayName);
   definition.method("isRunning", &SBApplication::isRunning);
-  definition.method("mainScene", &SBApplication::mainScene);
+  definition.method("mainScene", &SBApplication::mainScene).on(Versions::since(kIOS8));
   definition
       .code(detail::methodCode<SBApplication, void, Object*>("processDidLaunch:",
                                                              [](SBApplication&, Object*) {}))
+      .on(Versions::since(kIOS8))
       .effect();
   definition
       .code(detail::methodCode<SBApplication, void>("resumeForContentAvailable",
@@ -131,8 +134,12 @@ ClassDefinition defineSBApplicationController() {
   auto definition = ClassDefinition::of<SBApplicationController>("SBApplicationController",
                                                                  "NSObject", Home::springBoard());
   definition.classMethod("sharedInstance", &sharedController);
-  definition.method("applicationWithBundleIdentifier:", &SBApplicationController::find);
-  definition.method("applicationWithDisplayIdentifier:", &SBApplicationController::find);
+  definition.method("applicationWithBundleIdentifier:", &SBApplicationController::find)
+      .on(Versions::since(kIOS8));
+  // Lost on iOS 8, where AppList makes it up when somebody sends it.
+  definition.method("applicationWithDisplayIdentifier:", &SBApplicationController::find)
+      .on(Versions::before(kIOS9))
+      .resolvedBy("ALApplicationList", kOnlyIOS8);
   return definition;
 }
 

@@ -58,8 +58,8 @@ void tellNowPlaying(Process& springBoard, bool anything) {
   if (!springBoard.findClass("SBMediaController")) return;
   springBoard.device.callback(springBoard, [&] {
     const auto info = anything ? makeDictionary(springBoard) : Ref<NSDictionary>();
-    springBoard.send(&springBoard.shared<SBMediaController>("SBMediaController"),
-                     "setNowPlayingInfo:", {Value::object(info ? info->address : 0)});
+    springBoard.sendIfAnswered(&springBoard.shared<SBMediaController>("SBMediaController"),
+                               "setNowPlayingInfo:", {Value::object(info ? info->address : 0)});
   });
 }
 
@@ -116,6 +116,7 @@ ClassDefinition defineMPUMediaControlsTitlesView() {
   definition
       .method("updateNowPlayingAppDisplayName:",
               &MPUMediaControlsTitlesView::updateNowPlayingAppDisplayName)
+      .on(Versions::since(kIOS7_1))
       .effect();
   definition
       .code(detail::methodCode<MPUMediaControlsTitlesView, void>(
@@ -128,6 +129,7 @@ ClassDefinition defineAVSystemController() {
   auto definition = ClassDefinition::of<AVSystemController>("AVSystemController", "NSObject",
                                                             Home::springBoard());
   definition.mainThreadOnly(false);
+  definition.partOf(Framework::Celestial);
   definition.classMethod("sharedAVSystemController", &sharedAudioController);
   definition.method("attributeForKey:", &AVSystemController::attributeForKey);
   return definition;
@@ -136,9 +138,11 @@ ClassDefinition defineAVSystemController() {
 ClassDefinition defineTUCallCenter() {
   auto definition =
       ClassDefinition::of<TUCallCenter>("TUCallCenter", "NSObject", Home::springBoard());
+  definition.partOf(Framework::TelephonyUtilities);
   definition.classMethod("sharedInstance", &sharedCallCenter);
-  definition.method("inCall", &TUCallCenter::inCall);
-  definition.method("anyCallIsHostedOnCurrentDevice", &TUCallCenter::inCall);
+  definition.method("inCall", &TUCallCenter::inCall).on(Versions::before(kIOS9));
+  definition.method("anyCallIsHostedOnCurrentDevice", &TUCallCenter::inCall)
+      .on(Versions::since(kIOS8));
   return definition;
 }
 

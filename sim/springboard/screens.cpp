@@ -52,8 +52,9 @@ void launchIcon(Face& self, SBApplicationIcon* icon) {
   if (!icon) return;
   const Ref<NSString> app(icon->applicationBundleID());
   shown(self.process).drop(icon);
-  self.process.send(sharedApplication(self.process), "launchApplicationWithIdentifier:suspended:",
-                    {Value::object(app->address), Value::boolean(false)});
+  self.process.sendIfAnswered(sharedApplication(self.process),
+                              "launchApplicationWithIdentifier:suspended:",
+                              {Value::object(app->address), Value::boolean(false)});
 }
 
 void removeItem(Face& self, Object* item) { shown(self.process).drop(item); }
@@ -118,10 +119,14 @@ ClassDefinition defineSBLockScreenScrollView() {
 ClassDefinition defineSBBacklightController() {
   auto definition = defineFace("SBBacklightController");
   definition.classMethod("sharedInstance", &sharedInstance);
-  definition.code(detail::methodCode<Face, bool>("screenIsOn",
-                                                 [](Face& self) { return self.state().screenOn; }));
-  definition.code(detail::methodCode<Face, bool>(
-      "screenIsOff", [](Face& self) { return !self.state().screenOn; }));
+  definition
+      .code(detail::methodCode<Face, bool>("screenIsOn",
+                                           [](Face& self) { return self.state().screenOn; }))
+      .on(Versions::since(kIOS9));
+  definition
+      .code(detail::methodCode<Face, bool>("screenIsOff",
+                                           [](Face& self) { return !self.state().screenOn; }))
+      .on(Versions::before(kIOS9));
   definition
       .code(detail::methodCode<Face, void, int>(
           "turnOnScreenFullyWithBacklightSource:",
@@ -153,7 +158,7 @@ ClassDefinition defineSBApplicationIcon() {
 }
 
 ClassDefinition defineSBAppSliderController() {
-  auto definition = defineFace("SBAppSliderController");
+  auto definition = defineFace("SBAppSliderController").classOn(Versions::before(kIOS8));
   definition.code(quiet<void, unsigned long>("_quitAppAtIndex:")).effect();
   definition.code(detail::methodCode<Face, Ref<NSString>, unsigned long>("_displayIDAtIndex:",
                                                                          displayIdAtIndex));
@@ -163,6 +168,7 @@ ClassDefinition defineSBAppSliderController() {
 ClassDefinition defineSBAppSwitcherModel() {
   auto definition = defineFace("SBAppSwitcherModel");
   definition.code(detail::methodCode<Face, void, Object*>("removeDisplayItem:", removeItem))
+      .on(kOnlyIOS8)
       .effect();
   definition.code(detail::methodCode<Face, void, Object*>("remove:", removeItem)).effect();
   return definition;
@@ -176,7 +182,7 @@ ClassDefinition defineSBDisplayItem() {
 }
 
 ClassDefinition defineSBAppSuggestionManager() {
-  auto definition = defineFace("SBAppSuggestionManager");
+  auto definition = defineFace("SBAppSuggestionManager").classOn(Versions::since(kIOS8));
   definition.code(detail::methodCode<Face, Object*>("init", [](Face& self) { return &self; }))
       .effect();
   return definition;

@@ -128,6 +128,7 @@ std::string describeShow(const Invocation& invocation) {
 ClassDefinition defineUIAlertView() {
   auto definition = ClassDefinition::of<UIAlertView>("UIAlertView", "UIView", Home::everywhere());
   definition.mainThreadOnly();
+  definition.partOf(Framework::UIKit);
   definition.code({"initWithTitle:message:delegate:cancelButtonTitle:otherButtonTitles:",
                    {Kind::Object, std::vector<Kind>(5, Kind::Object), true},
                    initWithTitle});

@@ -36,6 +36,7 @@ ClassDefinition defineUIApplication() {
   auto definition =
       ClassDefinition::of<UIApplication>("UIApplication", "NSObject", Home::everywhere());
   definition.mainThreadOnly();
+  definition.partOf(Framework::UIKit);
   definition.classMethod("sharedApplication", &shared);
   definition.code(detail::methodCode<UIApplication, bool, NSURL*>("canOpenURL:", canOpenUrl));
   definition.code(detail::methodCode<UIApplication, bool, NSURL*>("openURL:", openUrl))
@@ -44,7 +45,9 @@ ClassDefinition defineUIApplication() {
 }
 
 ClassDefinition defineUIView() {
-  return ClassDefinition::of<Object>("UIView", "NSObject", Home::everywhere()).mainThreadOnly();
+  return ClassDefinition::of<Object>("UIView", "NSObject", Home::everywhere())
+      .mainThreadOnly()
+      .partOf(Framework::UIKit);
 }
 
 }  // namespace sim
