@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "sim/core/class_definition.hpp"
+#include "sim/explore/draw_world.hpp"
 #include "sim/explore/names.hpp"
 
 namespace sim::explore {
@@ -112,7 +113,8 @@ std::string remote(Random& random) {
   static const Strings numbers = {"0", "0", "2", "2", "1", "3", "4", "5", "4294967295"};
   const std::string command = "remote " + random.of(numbers);
   if (random.chance(60)) return command;
-  return command + " in " + anApp(random) + (random.chance(30) ? " off-main" : "");
+  const std::string& process = random.chance(20) ? random.of(kDaemons) : anApp(random);
+  return command + " in " + process + (random.chance(30) ? " off-main" : "");
 }
 
 // What may happen in the middle of a call that can run the run loop.
@@ -225,7 +227,13 @@ constexpr Row kRows[] = {
     {6, [](Random& r) { return "locked " + yesNo(r); }},
     {2, [](Random& r) -> std::string { return r.chance(50) ? "screen on" : "screen off"; }},
     {2, [](Random& r) { return "call " + yesNo(r); }},
-    {2, [](Random& r) { return "version " + r.of(kVersions); }},
+    {1, [](Random& r) { return "version " + r.of(kVersions); }},
+    {1, nullptr, drawUpdate},
+    {3, drawFramework},
+    {1, drawSelectors},
+    {2, drawMissingMethod},
+    {2, [](Random& r) { return "daemon " + r.of(kDaemons); }},
+    {1, [](Random& r) { return "end " + r.of(kDaemons); }},
     {3, [](Random& r) { return fmt::format("app {} \"Name {}\"", r.of(kApps), r.below(9)); }},
     {1, [](Random& r) { return "unlist " + r.of(kApps); }},
     {1, missingClass},
@@ -287,6 +295,10 @@ std::vector<std::string> drawBeginning(Random& random) {
       lines.push_back("app " + app + " " + in("App " + app));
   // Mostly a version that the library acts on, and one band as often as another.
   lines.push_back("version " + random.of(kVersions));
+  if (random.chance(50)) lines.emplace_back("selectors of-version");
+  for (std::size_t i = random.chance(30) ? random.below(3) : 0; i > 0; --i)
+    lines.push_back(drawFramework(random));
+  if (random.chance(25)) lines.push_back(drawMissingMethod(random));
   for (const std::string& addOn : kAddOns)
     if (random.chance(25)) lines.push_back("addon " + addOn);
   if (random.chance(85)) {

@@ -48,6 +48,7 @@ class Invariants {
  private:
   using Words = std::vector<std::string>;
 
+  void noteOutdated();
   std::optional<Violation> noCrash(const Words& words);
   std::optional<Violation> noLeak(const Words& words);
   std::optional<Violation> fewTimers(const Words& words);
@@ -69,6 +70,7 @@ class Invariants {
   bool greeted_ = false;                          // and the file says so
   std::size_t interruptions_ = 0;  // met so far: a command with one is more than its own words say
   bool interrupted_ = false;       // the last command was
+  std::set<std::string> outdated_;  // processes whose classes are not the version's any more
 };
 
 enum class PassedOn : std::uint8_t { Once, OnceOrNever };
@@ -76,7 +78,8 @@ enum class PassedOn : std::uint8_t { Once, OnceOrNever };
 // How a command's own call shows in the trace when it reaches the platform, with * where the
 // library may change it.
 struct StockCall {
-  std::string cls;  // without which nothing is sent
+  std::string cls;       // without which nothing is sent
+  std::string selector;  // nor if that is not answered
   std::string call;
   PassedOn passedOn = PassedOn::Once;
   std::string process = kSpringBoard;

@@ -24,6 +24,8 @@ inline const std::vector<std::string> kVersions = {
     "847.19",  "847.2",   "847.23", "847.24",  "899.99", "900.0",  "1145.14",
     "1145.15", "1240.09", "1240.1", "1242.13", "1280.0", "1280.01"};
 
+inline const std::vector<std::string> kDaemons = {"BTLEServer", "iapd"};
+
 inline const std::vector<std::string> kAddOns = {"Acapella", "Acapella2", "Auxo", "MiniPlayer"};
 
 }  // namespace sim::explore

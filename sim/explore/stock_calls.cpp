@@ -21,10 +21,13 @@ std::string upper(const std::string& yesNo) { return yesNo == "yes" ? "YES" : "N
 
 std::optional<StockCall> titleView(const Words& words) {
   const std::string cls = "MPUMediaControlsTitlesView";
-  if (words[1] == "new") return StockCall{cls, "-[" + cls + " initWithMediaControlsStyle:0]"};
-  if (words[1] == "free") return StockCall{cls, "-[" + cls + " dealloc]"};
+  if (words[1] == "new")
+    return StockCall{cls,
+                     "initWithMediaControlsStyle:", "-[" + cls + " initWithMediaControlsStyle:0]"};
+  if (words[1] == "free") return StockCall{cls, "dealloc", "-[" + cls + " dealloc]"};
   // The library may show another name, but shows one.
-  return StockCall{cls, "-[" + cls + " updateNowPlayingAppDisplayName:*]"};
+  return StockCall{
+      cls, "updateNowPlayingAppDisplayName:", "-[" + cls + " updateNowPlayingAppDisplayName:*]"};
 }
 
 std::optional<StockCall> quitCard(const Words& words, Device& device) {
@@ -32,25 +35,27 @@ std::optional<StockCall> quitCard(const Words& words, Device& device) {
   if (version < 900.0) {
     const auto& apps = device.state.apps;
     const auto index = std::ranges::find(apps, words[1], &App::identifier) - apps.begin();
-    return StockCall{"SBAppSliderController",
+    return StockCall{"SBAppSliderController", "_quitAppAtIndex:",
                      fmt::format("-[SBAppSliderController _quitAppAtIndex:{}]", index)};
   }
   const std::string selector = version < 1240.1 ? "removeDisplayItem:" : "remove:";
-  return StockCall{"SBAppSwitcherModel",
+  return StockCall{"SBAppSwitcherModel", selector,
                    "-[SBAppSwitcherModel " + selector + passed(device, "SBDisplayItem") + "]"};
 }
 
 std::optional<StockCall> widget(const Words& words, Device& device) {
   const std::string controls = "MPUSystemMediaControlsViewController";
   if (words[1] == "Acapella")
-    return StockCall{controls, "-[" + controls + " action_OpenApp]", PassedOn::OnceOrNever};
+    return StockCall{controls, "action_OpenApp", "-[" + controls + " action_OpenApp]",
+                     PassedOn::OnceOrNever};
   if (words[1] == "Acapella2")
-    return StockCall{controls, "-[" + controls + " action_openapp]", PassedOn::OnceOrNever};
+    return StockCall{controls, "action_openapp", "-[" + controls + " action_openapp]",
+                     PassedOn::OnceOrNever};
   if (words[1] == "MiniPlayer")
-    return StockCall{"MPMiniPlayerActionsDelegate",
+    return StockCall{"MPMiniPlayerActionsDelegate", "openNowPlayingApp",
                      "-[MPMiniPlayerActionsDelegate openNowPlayingApp]", PassedOn::OnceOrNever};
   return StockCall{
-      "AuxoCollectionView",
+      "AuxoCollectionView", "activateApplicationWithDisplayIdentifier:fromCell:",
       fmt::format("-[AuxoCollectionView activateApplicationWithDisplayIdentifier:\"{}\" "
                   "fromCell:{}]",
                   words[2], words[3] == "cell" ? passed(device, "AuxoCell") : "nil"),
@@ -59,16 +64,20 @@ std::optional<StockCall> widget(const Words& words, Device& device) {
 
 std::optional<StockCall> lockScreen(const Words& words) {
   const std::string cls = "SBLockScreenViewController";
-  if (words[0] == "unlock") return StockCall{cls, "-[" + cls + " finishUIUnlockFromSource:0]"};
-  if (words[0] == "display-off") return StockCall{cls, "-[" + cls + " _handleDisplayTurnedOff]"};
+  if (words[0] == "unlock")
+    return StockCall{cls, "finishUIUnlockFromSource:", "-[" + cls + " finishUIUnlockFromSource:0]"};
+  if (words[0] == "display-off")
+    return StockCall{cls, "_handleDisplayTurnedOff", "-[" + cls + " _handleDisplayTurnedOff]"};
   return StockCall{
-      cls, fmt::format("-[{} setPasscodeLockVisible:{} animated:{} completion:{}]", cls,
-                       upper(words[1]), upper(words[2]), words[3] == "yes" ? "<block>" : "nil")};
+      cls, "setPasscodeLockVisible:animated:completion:",
+      fmt::format("-[{} setPasscodeLockVisible:{} animated:{} completion:{}]", cls, upper(words[1]),
+                  upper(words[2]), words[3] == "yes" ? "<block>" : "nil")};
 }
 
 std::optional<StockCall> watch(const Words& words) {
   const bool taken = words[1] == "0" || words[1] == "1" || words[1] == "2";
-  return StockCall{"GCMMusicController", "-[GCMMusicController didReceiveCommand:" + words[1] + "]",
+  return StockCall{"GCMMusicController",
+                   "didReceiveCommand:", "-[GCMMusicController didReceiveCommand:" + words[1] + "]",
                    taken ? PassedOn::OnceOrNever : PassedOn::Once, kGarmin};
 }
 
@@ -78,31 +87,33 @@ std::optional<StockCall> stockCall(const Words& words, Device& device) {
   const std::string& name = words[0];
   const std::string controls = "MPUSystemMediaControlsViewController";
   if (name == "tap-transport")
-    return StockCall{controls,
+    return StockCall{controls, "transportControlsView:tapOnControlType:",
                      "-[" + controls +
                          " transportControlsView:" + passed(device, "MPUTransportControlsView") +
                          " tapOnControlType:" + words[1] + "]",
                      PassedOn::OnceOrNever};
   if (name == "tap-title")
-    return StockCall{controls,
+    return StockCall{controls, "mediaControlsTitlesViewWasTapped:",
                      "-[" + controls + " mediaControlsTitlesViewWasTapped:" +
                          passed(device, "MPUMediaControlsTitlesView") + "]",
                      PassedOn::OnceOrNever};
   if (name == "tap-icon")
-    return StockCall{"SBIconController",
+    return StockCall{"SBIconController", "_launchIcon:",
                      "-[SBIconController _launchIcon:" + passed(device, "SBApplicationIcon") + "]"};
   if (name == "open")
     return StockCall{
-        "SpringBoard",
+        "SpringBoard", "launchApplicationWithIdentifier:suspended:",
         fmt::format("-[SpringBoard launchApplicationWithIdentifier:\"{}\" suspended:{}]", words[1],
                     words[2] == "suspended" ? "YES" : "NO")};
   if (name == "now-playing")
-    return StockCall{"SBMediaController", std::string("-[SBMediaController setNowPlayingInfo:") +
-                                              (words[1] == "yes" ? "<NSDictionary>]" : "nil]")};
+    return StockCall{"SBMediaController", "setNowPlayingInfo:",
+                     std::string("-[SBMediaController setNowPlayingInfo:") +
+                         (words[1] == "yes" ? "<NSDictionary>]" : "nil]")};
   if (name == "process-launched" || name == "start")
-    return StockCall{"SBApplication", "-[SBApplication(" + words[1] + ") processDidLaunch:nil]"};
+    return StockCall{"SBApplication", "processDidLaunch:",
+                     "-[SBApplication(" + words[1] + ") processDidLaunch:nil]"};
   if (name == "drag-lock-screen")
-    return StockCall{"SBLockScreenScrollView",
+    return StockCall{"SBLockScreenScrollView", "touchesShouldCancelInContentView:",
                      "-[SBLockScreenScrollView touchesShouldCancelInContentView:<UIView>]"};
   if (name == "title-view") return titleView(words);
   if (name == "quit-card") return quitCard(words, device);
