@@ -76,6 +76,22 @@ TEST(Mistakes, AClassThatIsLackingIsOneThatThePlatformHas) {
   EXPECT_EQ(mistake("no-class ALApplicationList"), "none");
 }
 
+TEST(Mistakes, WhatThePlatformDoesNotKnowIsFoundBeforeAnythingRuns) {
+  EXPECT_EQ(mistake("no-method SBNothing init"),
+            "story.txt:1: no-method: no class SBNothing is known");
+  EXPECT_EQ(mistake("no-method _SBTitleViews init"),
+            "story.txt:1: no-method: no class _SBTitleViews is known");
+  EXPECT_EQ(mistake("no-method SBApplication"), "story.txt:1: no-method: a selector is missing");
+  EXPECT_EQ(mistake("no-method SBApplication anything:"), "none");
+  EXPECT_EQ(mistake("framework Foundation late"),
+            "story.txt:1: framework: no framework Foundation is known");
+  EXPECT_EQ(mistake("framework UIKit gone"),
+            "story.txt:1: framework: loaded or late or missing expected, not gone");
+  EXPECT_EQ(mistake("selectors some"),
+            "story.txt:1: selectors: every or of-version expected, not some");
+  EXPECT_EQ(mistake("daemon"), "story.txt:1: daemon: a name is missing");
+}
+
 TEST(Mistakes, ExpectationsAreCheckedToo) {
   EXPECT_NE(mistake("expect"), "none");
   EXPECT_NE(mistake("expect-count many x"), "none");

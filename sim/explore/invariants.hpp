@@ -68,8 +68,8 @@ class Invariants {
   std::optional<std::map<std::string, std::string>> settings_;  // what the file holds now
   std::map<std::string, std::string> announced_;  // settings that SpringBoard has read
   bool greeted_ = false;                          // and the file says so
-  std::size_t interruptions_ = 0;  // met so far: a command with one is more than its own words say
-  bool interrupted_ = false;       // the last command was
+  std::size_t interruptions_ = 0;   // met so far: a command with one is more than its own words say
+  bool interrupted_ = false;        // the last command was
   std::set<std::string> outdated_;  // processes whose classes are not the version's any more
 };
 

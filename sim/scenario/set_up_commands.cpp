@@ -58,7 +58,8 @@ Action addOn(Arguments& words) {
 Action framework(Arguments& words) {
   const std::string name = words.bare("a framework");
   const auto image = std::ranges::find(frameworkImages(), name, &FrameworkImage::name);
-  if (image == frameworkImages().end()) throw SyntaxError("no framework " + name + " is known");
+  if (image == frameworkImages().end())
+    throw SyntaxError("framework: no framework " + name + " is known");
   const auto presence = static_cast<Presence>(words.oneOf({"loaded", "late", "missing"}));
   return doing([=, framework = image->framework](Device& device) {
     device.state.frameworks[framework] = presence;
