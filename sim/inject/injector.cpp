@@ -115,7 +115,7 @@ void Injector::beforeStep(Device& device) {
     if (fault.kind != FaultKind::Death || fault.number != step) continue;
     Process* process = device.process(fault.target);
     if (!process) continue;
-    killed_.insert(fault.target);
+    killed_[fault.target] = process->isDaemon;
     if (process->isSpringBoard())
       device.endProcess(*process);
     else
@@ -144,9 +144,12 @@ void Injector::after(Device& device) {
   device.drain();
   // Whoever starts processes starts again what died.
   while (!killed_.empty()) {
-    const std::string process = killed_.extract(killed_.begin()).value();
+    const auto [process, isDaemon] = *killed_.begin();
+    killed_.erase(killed_.begin());
     if (device.process(process)) continue;
-    if (process == kSpringBoard)
+    if (isDaemon)
+      startDaemon(device, process);
+    else if (process == kSpringBoard)
       boot(device);
     else if (device.state.app(process))
       start(device, process);

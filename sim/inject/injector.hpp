@@ -1,5 +1,6 @@
 // Carries injected faults out on one device, and takes down what could be made to fail.
 #pragma once
+#include <map>
 #include <set>
 
 #include "sim/core/injection.hpp"
@@ -38,7 +39,7 @@ class Injector final : public Injection {
   int deliveries_ = 1;
   Microseconds deliveryDelay_ = 0;
   Microseconds timerLateness_ = 0;
-  std::set<std::string> killed_;
+  std::map<std::string, bool> killed_;  // processes by name, and whether they are daemons
   bool struck_ = false;
 
   std::set<std::string> answered_;
