@@ -52,10 +52,14 @@ struct NativeCode {
   Framework framework = Framework::Always;  // of a C function: what exports it
 };
 
-// What a method runs: platform code, or code inside the process's library.
+// What a method or function runs: platform code, or code inside the process's library.
 struct Implementation {
   std::shared_ptr<const NativeCode> native{};
   Address library = 0;
+  // Of a hook: what the platform itself has there, below all hooks.
+  std::shared_ptr<const NativeCode> hooked{};
+
+  const std::shared_ptr<const NativeCode>& platform() const { return hooked ? hooked : native; }
 };
 
 struct Method {

@@ -4,6 +4,7 @@
 #include "sim/core/class_definition.hpp"
 #include "sim/core/describe.hpp"
 #include "sim/core/device.hpp"
+#include "sim/core/hooked_call.hpp"
 #include "sim/core/injection.hpp"
 
 namespace sim {
@@ -83,10 +84,26 @@ Value Process::callImplementation(const Implementation& implementation, const Si
     all.push_back(Value::of(Kind::Selector, selector(name)));
   }
   all.insert(all.end(), invocation.arguments.begin(), invocation.arguments.end());
-  return library_->call(implementation.library, signature.result, all);
+  if (!implementation.hooked) return library_->call(implementation.library, signature.result, all);
+  HookedCall call(*implementation.hooked, invocation);
+  const Value result = library_->call(implementation.library, signature.result, all);
+  call.check(result);
+  return result;
 }
 
 Value Process::runNative(const NativeCode& code, Invocation& invocation) {
+  for (std::size_t i = hookedCalls.size(); i > 0; --i) {
+    HookedCall& call = *hookedCalls[i - 1];
+    if (!call.isOf(code)) continue;
+    call.reach(invocation);
+    const Value answer = runWatched(code, invocation);
+    call.answer(answer);
+    return answer;
+  }
+  return runWatched(code, invocation);
+}
+
+Value Process::runWatched(const NativeCode& code, Invocation& invocation) {
   if (!code.relay && (code.effect || device.trace.wantsAllCalls())) {
     const std::string call = code.describe ? code.describe(invocation) : described(invocation);
     if (code.effect)
@@ -137,14 +154,16 @@ void Process::requireThread(Object& receiver, const Method& method) {
 // ---- C functions
 
 void Process::installFunctions() {
-  for (const auto& code : platformFunctions()) functions_[code->name] = {code, 0, 0};
+  for (const auto& code : platformFunctions())
+    functions_[code->name] = {code, 0, {code, 0, nullptr}};
 }
 
 Value Process::functionFromLibrary(const std::string& name, ArgumentSource& source) {
   if (name == "objc_msgSend") return messageFromLibrary(source);
   const auto found = functions_.find(name);
   if (found == functions_.end()) throw Fault("the platform has no function " + name);
-  if (found->second.replacement == 0) return callFromLibrary(found->second.native, false, source);
+  const auto& implementation = found->second.implementation;
+  if (implementation.native) return callFromLibrary(implementation.native, false, source);
   std::vector<Value> arguments;
   for (const Kind kind : found->second.native->signature.arguments)
     arguments.push_back(source.next(kind));
@@ -153,9 +172,7 @@ Value Process::functionFromLibrary(const std::string& name, ArgumentSource& sour
 
 Value Process::callFunction(const std::string& name, std::vector<Value> arguments, Caller caller) {
   const Function& function = functions_.at(name);
-  const Implementation implementation = function.replacement
-                                            ? Implementation{{}, function.replacement}
-                                            : Implementation{function.native, 0};
+  const Implementation implementation = function.implementation;  // hooks may change it
   return callImplementation(implementation, function.native->signature, nullptr, name,
                             std::move(arguments), nullptr, caller);
 }
@@ -184,44 +201,67 @@ Address Process::symbol(const std::string& name, std::optional<Framework> only) 
 
 // ---- Hooks
 
+// An inherited method is looked up again at each call; the class's own is taken as it is.
+Implementation Process::previousOf(Class& cls, const std::string& selector, const Method& found) {
+  if (cls.own(selector)) return found.implementation;
+  auto late = std::make_shared<NativeCode>();
+  late->name = selector;
+  late->relay = true;
+  late->signature = found.signature;
+  late->run = [cls = &cls, selector](Invocation& invocation) {
+    Method* method = cls->superclass->find(selector);
+    return invocation.process.callImplementation(method->implementation, method->signature,
+                                                 invocation.self, selector, invocation.arguments,
+                                                 invocation.rest, invocation.caller);
+  };
+  return {std::move(late), 0, found.implementation.platform()};
+}
+
 void Process::hookMethod(Class* cls, const std::string& selector, Address replacement,
                          Address slot) {
   if (!cls || !replacement) return;
-  Method* found = cls->find(selector);
+  const Method* found = cls->find(selector);
   if (!found) return;
+  const Method replaced = *found;
   if (slot) {
-    // An inherited method is looked up again at each call; the class's own is taken as it is.
-    Implementation previous = found->implementation;
-    if (!cls->own(selector)) {
-      auto late = std::make_shared<NativeCode>();
-      late->name = selector;
-      late->relay = true;
-      late->signature = found->signature;
-      late->run = [cls, selector](Invocation& invocation) {
-        Method* method = cls->superclass->find(selector);
-        return invocation.process.callImplementation(
-            method->implementation, method->signature, invocation.self, selector,
-            invocation.arguments, invocation.rest, invocation.caller);
-      };
-      previous = {std::move(late), 0};
-    }
+    const Implementation previous = previousOf(*cls, selector, replaced);
     library_->writePointer(
         slot, previous.native ? library_->expose(previous.native, true) : previous.library);
   }
-  Method& own = cls->methods[selector] = *found;
-  own.implementation = {nullptr, replacement};
+  Method& own = cls->methods[selector] = replaced;
+  own.implementation = {nullptr, replacement, replaced.implementation.platform()};
+}
+
+void Process::hookMethod(Class* cls, const std::string& selector, const Replace& replace) {
+  const Method* found = cls ? cls->find(selector) : nullptr;
+  if (!found) return;
+  Method replaced = *found;
+  const auto platform = found->implementation.platform();
+  replaced.implementation = previousOf(*cls, selector, replaced);
+  auto code = std::make_shared<NativeCode>(replace(replaced));
+  Method& own = cls->methods[selector] = replaced;
+  own.implementation = {std::move(code), 0, platform};
 }
 
 void Process::hookFunction(Address symbolAddress, Address replacement, Address slot) {
   for (auto& [name, function] : functions_) {
     if (!symbolAddress || function.exposed != symbolAddress) continue;
-    const Address previous =
-        function.replacement ? function.replacement : library_->expose(function.native, false);
+    const Implementation& now = function.implementation;
+    const Address previous = now.native ? library_->expose(now.native, false) : now.library;
     if (slot) library_->writePointer(slot, previous);
-    function.replacement = replacement;
+    function.implementation = {nullptr, replacement, function.native};
     return;
   }
   if (symbolAddress) throw Fault("MSHookFunction of an address that is no function");
+}
+
+void Process::hookFunction(const std::string& name, const Replace& replace) {
+  const auto found = functions_.find(name);
+  if (found == functions_.end()) return;
+  Function& function = found->second;
+  auto code = std::make_shared<NativeCode>(
+      replace({name, function.native->signature, function.implementation}));
+  function.implementation = {std::move(code), 0, function.native};
 }
 
 std::string Process::functionName(Address function) const {

@@ -15,6 +15,7 @@
 namespace sim {
 
 class Device;
+class HookedCall;
 
 class Process {
  public:
@@ -123,8 +124,14 @@ class Process {
   bool responds(Object& object, const std::string& selector);
 
   // ---- Hooks (what Substrate does)
+  std::vector<HookedCall*> hookedCalls;  // that are running, the innermost last; borrowed
   void hookMethod(Class* cls, const std::string& selector, Address replacement, Address slot);
   void hookFunction(Address function, Address replacement, Address slot);
+  // The same, by another library in the process: its code is given what it is to call as its
+  // previous implementation. Nothing where the method or function is missing.
+  using Replace = std::function<NativeCode(const Method& replaced)>;
+  void hookMethod(Class* cls, const std::string& selector, const Replace& replace);
+  void hookFunction(const std::string& name, const Replace& replace);
   // The name of the function that symbol() gave out at that address; "nil" for 0.
   std::string functionName(Address function) const;
 
@@ -147,6 +154,9 @@ class Process {
   Value dispatch(Object& receiver, const std::string& selector, ArgumentSource* source,
                  std::vector<Value>* arguments, Caller caller);
   void requireThread(Object& receiver, const Method& method);
+  // What a hook of that method calls as its previous implementation.
+  static Implementation previousOf(Class& cls, const std::string& selector, const Method& found);
+  Value runWatched(const NativeCode& code, Invocation& invocation);
   Object* literal(Address address);
   Address platformVariable(const std::string& name, std::optional<Framework> only);
   bool isExported(Framework by, std::optional<Framework> only) const;
@@ -163,8 +173,8 @@ class Process {
   std::map<std::string, Ref<Object>> shared_;
   struct Function {
     std::shared_ptr<const NativeCode> native;
-    Address replacement = 0;
     Address exposed = 0;
+    Implementation implementation{};  // what runs, under all hooks that there are
   };
   std::map<std::string, Function> functions_;
   std::map<std::string, Address> variables_;
