@@ -1,6 +1,7 @@
 #include "sim/apps/apps.hpp"
 #include "sim/apps/definitions.hpp"
 #include "sim/core/device.hpp"
+#include "sim/platform/telling.hpp"
 #include "sim/springboard/media.hpp"
 #include "sim/uikit/application.hpp"
 
@@ -85,9 +86,9 @@ void startPodcasts(Process& process) {
   const bool newer = process.device.state.version >= kNewerDelegate;
   const std::string name = newer ? "MTAppDelegate_iOS" : "MTAppDelegate";
   if (!process.findClass(name)) return;
-  process.sendIfAnswered(&process.shared<Object>(name),
-                         "application:willFinishLaunchingWithOptions:",
-                         {Value::object(sharedApplication(process)->address), Value::nil()});
+  process.sendIfAnswered(
+      &process.shared<Object>(name), "application:willFinishLaunchingWithOptions:",
+      {Value::object(sharedApplication(process)->address), optionsArgument(process)});
 }
 
 ClassDefinition defineMTPlayer() {

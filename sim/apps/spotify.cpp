@@ -1,6 +1,7 @@
 #include "sim/apps/apps.hpp"
 #include "sim/apps/definitions.hpp"
 #include "sim/core/device.hpp"
+#include "sim/platform/telling.hpp"
 #include "sim/springboard/media.hpp"
 #include "sim/uikit/application.hpp"
 
@@ -68,9 +69,13 @@ class SPTPlayer final : public Object {
 class PlaybackController final : public Object {
  public:
   using Object::Object;
-  Object* init(SPTPlayer* given, Object*, Object*, Object*, Object*) {
+  // An initialiser may answer another object than it was sent to.
+  Ref<PlaybackController> init(SPTPlayer* given, Object*, Object*, Object*, Object*) {
     hasPlayer_ = given != nullptr;
-    return this;
+    if (!process.device.state.tellingArguments) return this;
+    auto other = process.make<PlaybackController>("SPTNowPlayingPlaybackController");
+    other->hasPlayer_ = hasPlayer_;
+    return other;
   }
   // The app's one player, whichever object that is by now.
   SPTPlayer* player() {
@@ -98,7 +103,8 @@ void makePlaybackController(Process& spotify) {
   const Value result = spotify.sendIfAnswered(
       fresh.get(),
       "initWithPlayer:trackPosition:radioThumbsStateManager:adsManager:trackMetadataQueue:",
-      {Value::object(player.address), Value::nil(), Value::nil(), Value::nil(), Value::nil()});
+      {Value::object(player.address), objectArgument(spotify), objectArgument(spotify),
+       objectArgument(spotify), objectArgument(spotify)});
   if (Object* made = spotify.object(result.bits)) spotify.kept.emplace_back(made);
 }
 
@@ -106,9 +112,9 @@ void startSpotify(Process& process) {
   if (process.findClass("SPTPlayer"))
     process.shared<SPTPlayer>("SPTPlayer").reluctance = Reluctance(process);
   if (process.findClass("SpotifyAppDelegate"))
-    process.sendIfAnswered(&process.shared<Object>("SpotifyAppDelegate"),
-                           "application:didFinishLaunchingWithOptions:",
-                           {Value::object(sharedApplication(process)->address), Value::nil()});
+    process.sendIfAnswered(
+        &process.shared<Object>("SpotifyAppDelegate"), "application:didFinishLaunchingWithOptions:",
+        {Value::object(sharedApplication(process)->address), optionsArgument(process)});
   makePlaybackController(process);
 }
 

@@ -32,6 +32,9 @@ struct App {
   bool running = false;
 };
 
+// Whether another extension has hooked what the library hooks, and when.
+enum class Neighbour : std::uint8_t { None, Before, After };
+
 // What SpringBoard's media controller holds.
 struct Track {
   std::string app;
@@ -71,6 +74,12 @@ struct DeviceState {
   std::optional<std::uint32_t> networkFlags = 0x2;
   std::set<std::string> openableSchemes;
   bool settingsReadOnly = false;
+  // Whether the platform passes values that tell where scenarios mostly show nil and 0.
+  bool tellingArguments = false;
+  // Of processes that start from now on: another extension in them, and the classes on which the
+  // app has a category of its own.
+  Neighbour neighbour = Neighbour::None;
+  std::set<std::string> categories;
 
   App* app(const std::string& identifier);  // borrowed; null if not installed
 };
@@ -159,5 +168,8 @@ class Device {
 void startUpSpringBoard(Process& springBoard);
 void tellProcessLaunched(Process& springBoard, const std::string& app);
 void startUpApp(Process& app);
+// What is in a process besides the library (sim/platform/app_category.cpp, neighbour.cpp).
+void addAppCategories(Process& process);
+void hookAsNeighbour(Process& process);
 
 }  // namespace sim

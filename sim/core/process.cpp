@@ -10,6 +10,7 @@ Process::Process(Device& device, std::string identifier, Program program)
       identifier(std::move(identifier)),
       isDaemon(program == Program::Daemon),
       addOns(device.state.addOns),
+      categories(device.state.categories),
       selectorsOf(device.state.selectorsOfVersion ? std::optional(device.state.version)
                                                   : std::nullopt),
       frameworks_(device.state.frameworks) {
@@ -33,8 +34,12 @@ Process::~Process() {
 bool Process::isSpringBoard() const { return identifier == kSpringBoard && !isDaemon; }
 
 void Process::loadLibrary() {
+  const Neighbour neighbour = device.state.neighbour;
   library_ = device.loader.load(*this);
+  addAppCategories(*this);
+  if (neighbour == Neighbour::Before) hookAsNeighbour(*this);
   library_->runInitialisers();
+  if (neighbour == Neighbour::After) hookAsNeighbour(*this);
 }
 
 // ---- Classes

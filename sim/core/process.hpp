@@ -30,6 +30,7 @@ class Process {
   const std::string identifier;             // the bundle identifier, also its name in traces
   const bool isDaemon;                      // without a bundle identifier: that is its name
   const std::set<std::string> addOns;       // that were there when it started
+  const std::set<std::string> categories;   // of the app's own, by the class
   const std::optional<double> selectorsOf;  // the version whose methods classes have; none: all
   bool isSpringBoard() const;
   Thread thread = Thread::Main;  // of the running callback

@@ -17,12 +17,14 @@ constexpr Address kLocalCenter = 0x41000010;
 Pointer darwinCenter(Process&) { return {kDarwinCenter}; }
 Pointer localCenter(Process&) { return {kLocalCenter}; }
 
-void addObserver(Process& process, Pointer center, Pointer, Pointer callback, NSString* name,
-                 Pointer, long behavior) {
+void addObserver(Process& process, Pointer center, Pointer observer, Pointer callback,
+                 NSString* name, Pointer object, long behavior) {
   constexpr long kDeliverImmediately = 4;
   if (center.address != kDarwinCenter && center.address != kLocalCenter)
     throw Fault("CFNotificationCenterAddObserver on an unknown center");
   if (!name || !callback.address) throw Fault("an observer without name or callback");
+  if (observer.address) throw Fault("an observer that is not null, and that nobody removes");
+  if (object.address) throw Fault("an observer of one object, which is not what posts");
   if (behavior != kDeliverImmediately) throw Fault("an observer that is not delivered at once");
   process.observers.push_back({name->text, callback.address, center.address == kDarwinCenter});
 }

@@ -6,6 +6,8 @@
 #include "sim/core/class_definition.hpp"
 #include "sim/foundation/block.hpp"
 #include "sim/foundation/string.hpp"
+#include "sim/platform/app_category.hpp"
+#include "sim/platform/telling.hpp"
 #include "sim/springboard/media.hpp"
 #include "sim/springboard/screens.hpp"
 #include "sim/springboard/springboard.hpp"
@@ -173,8 +175,9 @@ void unlock(Device& device) {
   springBoard(device);
   device.state.locked = false;
   device.state.screenOn = true;
-  sendTo(device, "SBLockScreenViewController", "finishUIUnlockFromSource:", [](Process&) {
-    return std::vector<Value>{Value::integer(Kind::Int32, 0)};
+  const int source = device.state.tellingArguments ? 2 : 0;
+  sendTo(device, "SBLockScreenViewController", "finishUIUnlockFromSource:", [=](Process&) {
+    return std::vector<Value>{Value::integer(Kind::Int32, source)};
   });
 }
 
@@ -258,7 +261,7 @@ std::optional<bool> sendCommand(Process& process, unsigned command, Thread threa
   const auto send = [&] {
     answer = process
                  .callFunction("MRMediaRemoteSendCommand",
-                               {Value::integer(Kind::UInt32, command), Value::nil()})
+                               {Value::integer(Kind::UInt32, command), optionsArgument(process)})
                  .asBool();
   };
   process.device.callback(process, send, thread);
@@ -288,6 +291,30 @@ void watchCommand(Device& device, long command) {
     process.sendIfAnswered(&process.shared<Object>("GCMMusicController"),
                            "didReceiveCommand:", {Value::integer(Kind::ULong, command)});
   });
+}
+
+// ---- Categories
+
+namespace {
+
+Process& withCategory(Device& device, const std::string& app, const std::string& cls) {
+  Process* process = device.process(app);
+  if (!process) throw ActionError(app + " has no running process");
+  if (!process->categories.contains(cls))
+    throw ActionError(app + " has no category of its own on " + cls);
+  return *process;
+}
+
+}  // namespace
+
+void appAlert(Device& device, const std::string& app) {
+  Process& process = withCategory(device, app, kAlertCategory);
+  device.callback(process, [&] { useAlertCategory(process); });
+}
+
+void appTimer(Device& device, const std::string& app) {
+  Process& process = withCategory(device, app, kTimerCategory);
+  device.callback(process, [&] { useTimerCategory(process); });
 }
 
 // ---- Set-up

@@ -53,6 +53,10 @@ std::optional<bool> remoteIn(Device& device, unsigned command, const std::string
 void newController(Device& device);
 void watchCommand(Device& device, long command);
 
+// ---- What an app does with a category of its own, in any process that has one
+void appAlert(Device& device, const std::string& app);
+void appTimer(Device& device, const std::string& app);
+
 // ---- Set-up that needs a check
 void unlist(Device& device, const std::string& app);
 void setRunning(Device& device, const std::string& app, bool running);

@@ -1,6 +1,7 @@
 // What SpringBoard does when it boots, and each app when its process comes up.
 #include "sim/apps/apps.hpp"
 #include "sim/core/device.hpp"
+#include "sim/platform/telling.hpp"
 #include "sim/springboard/springboard.hpp"
 #include "sim/uikit/application.hpp"
 
@@ -21,7 +22,7 @@ void startUpSpringBoard(Process& springBoard) {
 
 void tellProcessLaunched(Process& springBoard, const std::string& app) {
   springBoard.sendIfAnswered(applicationObject(springBoard, app),
-                             "processDidLaunch:", {Value::nil()});
+                             "processDidLaunch:", {objectArgument(springBoard)});
 }
 
 void startUpApp(Process& app) {

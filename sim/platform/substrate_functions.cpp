@@ -7,11 +7,19 @@ namespace sim {
 
 namespace {
 
+// What is missing on the phone is passed over; what never may be is a mistake.
+void checkHook(Pointer replacement, Pointer slot) {
+  if (!replacement.address) throw Fault("a hook without a replacement");
+  if (!slot.address) throw Fault("a hook without a slot for the previous implementation");
+}
+
 void hookMessage(Process& process, Class* cls, Selector name, Pointer replacement, Pointer slot) {
+  checkHook(replacement, slot);
   process.hookMethod(cls, process.selectorName(name.address), replacement.address, slot.address);
 }
 
 void hookFunction(Process& process, Pointer function, Pointer replacement, Pointer slot) {
+  checkHook(replacement, slot);
   process.hookFunction(function.address, replacement.address, slot.address);
 }
 

@@ -32,8 +32,9 @@ void newTitleView(Device& device, const std::string& name) {
   }
   device.callback(process, [&] {
     const Ref<Object> fresh = process.allocateInstance(*cls);
-    const Value made =
-        process.send(fresh.get(), "initWithMediaControlsStyle:", {Value::integer(Kind::Long, 0)});
+    const long style = device.state.tellingArguments ? 3 : 0;
+    const Value made = process.send(
+        fresh.get(), "initWithMediaControlsStyle:", {Value::integer(Kind::Long, style)});
     views[name] = Ref<MPUMediaControlsTitlesView>(
         dynamic_cast<MPUMediaControlsTitlesView*>(process.object(made.bits)));
   });

@@ -127,6 +127,16 @@ Action pressCommand(Arguments& words) {
   return doing([=](Device& device) { pressButton(device, button); });
 }
 
+Action appAlertCommand(Arguments& words) {
+  const std::string id = words.identifier();
+  return doing([=](Device& device) { appAlert(device, id); });
+}
+
+Action appTimerCommand(Arguments& words) {
+  const std::string id = words.identifier();
+  return doing([=](Device& device) { appTimer(device, id); });
+}
+
 Action postCommand(Arguments& words) {
   const std::string name = words.quoted("the notification");
   return doing([=](Device& device) { device.postDarwin(name); });
@@ -185,6 +195,8 @@ const std::vector<CommandRow>& eventCommands() {
       {"title-view", titleViewCommand},
       {"widget", widgetCommand},
       {"press", pressCommand},
+      {"app-alert", appAlertCommand},
+      {"app-timer", appTimerCommand},
       {"post", postCommand},
       {"announce", announceCommand},
       {"advance", advanceCommand},

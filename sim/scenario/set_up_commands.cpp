@@ -146,6 +146,22 @@ Action call(Arguments& words) {
   return doing([=](Device& device) { device.state.inCall = value; });
 }
 
+Action tellingArguments(Arguments& words) {
+  const bool telling = words.oneOf({"plain", "telling"}) == 1;
+  return doing([=](Device& device) { device.state.tellingArguments = telling; });
+}
+
+Action neighbour(Arguments& words) {
+  static constexpr Neighbour kAll[] = {Neighbour::None, Neighbour::Before, Neighbour::After};
+  const Neighbour value = kAll[words.oneOf({"none", "before", "after"})];
+  return doing([=](Device& device) { device.state.neighbour = value; });
+}
+
+Action category(Arguments& words) {
+  const std::string name = words.oneOf({"UIAlertView", "NSTimer"}) == 0 ? "UIAlertView" : "NSTimer";
+  return doing([=](Device& device) { device.state.categories.insert(name); });
+}
+
 Action front(Arguments& words) {
   const std::string id = words.identifier();
   return doing([=](Device& device) {
@@ -245,6 +261,9 @@ const std::vector<CommandRow>& setUpCommands() {
       {"screen", screen},
       {"call", call},
       {"front", front},
+      {"arguments", tellingArguments},
+      {"neighbour", neighbour},
+      {"category", category},
       {"running", running},
       {"track", track},
       {"player", player},

@@ -105,13 +105,22 @@ ClassDefinition defineMPUTransportControlsView() {
   return ClassDefinition::of<Object>("MPUTransportControlsView", "UIView", Home::springBoard());
 }
 
+namespace {
+
+// An initialiser may answer another object than it was sent to, which then goes.
+Ref<MPUMediaControlsTitlesView> initTitlesView(MPUMediaControlsTitlesView& self, long) {
+  if (!self.process.device.state.tellingArguments) return &self;
+  return self.process.make<MPUMediaControlsTitlesView>("MPUMediaControlsTitlesView");
+}
+
+}  // namespace
+
 ClassDefinition defineMPUMediaControlsTitlesView() {
   auto definition = ClassDefinition::of<MPUMediaControlsTitlesView>("MPUMediaControlsTitlesView",
                                                                     "UIView", Home::springBoard());
   definition
-      .code(detail::methodCode<MPUMediaControlsTitlesView, Object*, long>(
-          "initWithMediaControlsStyle:",
-          [](MPUMediaControlsTitlesView& self, long) { return &self; }))
+      .code(detail::methodCode<MPUMediaControlsTitlesView, Ref<MPUMediaControlsTitlesView>, long>(
+          "initWithMediaControlsStyle:", initTitlesView))
       .effect();
   definition
       .method("updateNowPlayingAppDisplayName:",
