@@ -169,18 +169,34 @@ constexpr const char* kProperties[] = {
     "shouldEnableFirstOtherButtonInOurBlock",
 };
 
+// Somebody else's category stands under some of these selectors, and keeps them.
+constinit bool categoryIsShared = false;
+
+// The class of our own alerts: where UIAlertView's methods are not all ours, a class below it on
+// which they are. Made at its first use.
+ClassObject ownAlertClass() {
+  if (!categoryIsShared) return UIAlertView::cls();
+  constexpr Literal kName = "CVPAlertView";
+  const ClassObject known = classNamed<kName>();
+  if (known) return known;
+  const Class cls = objc_allocateClassPair(UIAlertView::cls().cls(), kText<kName>.text, 0);
+  addMethods(cls, kMethods);
+  objc_registerClassPair(cls);
+  return classNamed<kName>();
+}
+
 }  // namespace
 
 UIAlertView showAlert(NSString title, NSString message, NSString cancelTitle, NSArray otherTitles,
                       Object response) {
-  return show(UIAlertView::cls(), title, message, kDefaultAlertStyle, cancelTitle, otherTitles,
+  return show(ownAlertClass(), title, message, kDefaultAlertStyle, cancelTitle, otherTitles,
               response);
 }
 
 void registerAlertCategory() {
   const Class cls = UIAlertView::cls().cls();
   addMethods(metaclassOf(cls), kClassMethods);
-  addMethods(cls, kMethods);
+  categoryIsShared = !addMethods(cls, kMethods);
   addCopiedBlockProperties(cls, kProperties);
 }
 
