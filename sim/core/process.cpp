@@ -13,6 +13,7 @@ Process::Process(Device& device, std::string identifier, Program program)
       categories(device.state.categories),
       selectorsOf(device.state.selectorsOfVersion ? std::optional(device.state.version)
                                                   : std::nullopt),
+      neighbour(device.state.neighbour),
       frameworks_(device.state.frameworks) {
   if (isDaemon && has(Framework::UIKit)) frameworks_[Framework::UIKit] = Presence::Late;
   pools_.emplace_back();  // for what happens outside of any callback
@@ -34,7 +35,6 @@ Process::~Process() {
 bool Process::isSpringBoard() const { return identifier == kSpringBoard && !isDaemon; }
 
 void Process::loadLibrary() {
-  const Neighbour neighbour = device.state.neighbour;
   library_ = device.loader.load(*this);
   addAppCategories(*this);
   if (neighbour == Neighbour::Before) hookAsNeighbour(*this);

@@ -16,6 +16,7 @@ namespace sim {
 
 class Device;
 class HookedCall;
+enum class Neighbour : std::uint8_t;
 
 class Process {
  public:
@@ -32,6 +33,7 @@ class Process {
   const std::set<std::string> addOns;       // that were there when it started
   const std::set<std::string> categories;   // of the app's own, by the class
   const std::optional<double> selectorsOf;  // the version whose methods classes have; none: all
+  const Neighbour neighbour;                // another extension on the library's hooks
   bool isSpringBoard() const;
   Thread thread = Thread::Main;  // of the running callback
 

@@ -164,6 +164,20 @@ std::string pressPlay(Random& random) {
   return random.of(all);
 }
 
+std::string neighbour(Random& random) {
+  static const Strings all = {"none", "before", "after"};
+  return "neighbour " + random.of(all);
+}
+
+std::string category(Random& random) {
+  return random.chance(50) ? "category UIAlertView" : "category NSTimer";
+}
+
+std::string usedCategory(Random& random) {
+  const std::string app = random.chance(40) ? "com.apple.springboard" : anApp(random);
+  return (random.chance(50) ? "app-alert " : "app-timer ") + app;
+}
+
 // ---- Short stories, for what single commands seldom bring about
 
 // Play is asked for while the device is locked, something happens, the user unlocks.
@@ -280,6 +294,13 @@ constexpr Row kRows[] = {
     {6, widget},
     {10, press},
     {4, [](Random& r) { return "post " + in(r.of(kSignals)); }},
+    {2,
+     [](Random& r) -> std::string {
+       return r.chance(70) ? "arguments telling" : "arguments plain";
+     }},
+    {2, neighbour},
+    {1, category},
+    {3, usedCategory},
     {5, nullptr, deferredLaunch},
     {2, nullptr, greeting},
     {4, nullptr, interrupted},
@@ -301,6 +322,9 @@ std::vector<std::string> drawBeginning(Random& random) {
   if (random.chance(25)) lines.push_back(drawMissingMethod(random));
   for (const std::string& addOn : kAddOns)
     if (random.chance(25)) lines.push_back("addon " + addOn);
+  if (random.chance(50)) lines.emplace_back("arguments telling");
+  if (random.chance(40)) lines.push_back(neighbour(random));
+  if (random.chance(20)) lines.push_back(category(random));
   if (random.chance(85)) {
     lines.emplace_back("prefs iea9AQXrEmhSZ4u yes");
     lines.push_back("prefs 2I8UQMOAwU5nnNZt " + in(anApp(random)));

@@ -42,6 +42,7 @@ std::optional<Violation> Invariants::check(const std::string& command) {
       {rule::kKnownCommandLines, &Invariants::knownCommandLines},
       {rule::kOnlyListedApps, &Invariants::onlyListedApps},
       {rule::kPassedOnOnce, &Invariants::passedOnOnce},
+      {rule::kNeighbours, &Invariants::neighbours},
       {rule::kAnswered, &Invariants::answered},
       {rule::kOneGreeting, &Invariants::oneGreeting},
       {rule::kSettingsKept, &Invariants::settingsKept},
@@ -92,8 +93,10 @@ std::optional<Violation> Invariants::noLeak(const Words&) {
 }
 
 // SpringBoard has one watcher; a player one poll timer, and Spotify one more that saves its state.
+// An app with a category on NSTimer has timers of its own.
 std::optional<Violation> Invariants::fewTimers(const Words&) {
   for (const Process* process : session_.device().processes()) {
+    if (process->categories.contains("NSTimer")) continue;
     std::size_t most = 0;
     if (process->isSpringBoard() || process->identifier == kPodcasts) most = 1;
     if (process->identifier == kSpotify) most = 2;
@@ -177,6 +180,35 @@ std::optional<Violation> Invariants::passedOnOnce(const Words& words) {
   return std::nullopt;
 }
 
+// Who hooked before us gets what reaches the platform and just before it; who hooked after us every
+// call that the platform makes.
+std::optional<Violation> Invariants::neighbours(const Words& words) {
+  Device& device = session_.device();
+  const std::string mark = "neighbour ";
+  const auto& effects = session_.effects();
+  for (std::size_t i = 0; i < effects.size(); ++i) {
+    const auto& effect = effects[i];
+    const Process* process = device.process(effect.process);
+    if (!process || process->neighbour != Neighbour::Before || !effect.call.starts_with(mark))
+      continue;
+    const std::string passed = effect.call.substr(mark.size());
+    if (i + 1 == effects.size() || effects[i + 1].call != passed)
+      return Violation{{}, passed + " stopped at the neighbour", "expect " + passed};
+  }
+  const auto stock = stockCall(words, device);
+  Process* process = stock ? device.process(stock->process) : nullptr;
+  if (!process || !process->findClass(stock->cls) || process->neighbour == Neighbour::None)
+    return std::nullopt;
+  const std::string seen = mark + stock->call;
+  const std::size_t wanted =
+      process->neighbour == Neighbour::After ? 1 : count(stock->call, stock->process);
+  const std::size_t times = count(seen, stock->process);
+  if (times == wanted) return std::nullopt;
+  return Violation{{},
+                   fmt::format("{} came {} times instead of {}", seen, times, wanted),
+                   fmt::format("expect-count {} {}", wanted, seen)};
+}
+
 // The platform answers YES to every command that reaches it, the library NO to what it swallows.
 std::optional<Violation> Invariants::answered(const Words& words) {
   const auto answer = session_.answer();
@@ -186,7 +218,9 @@ std::optional<Violation> Invariants::answered(const Words& words) {
     return Violation{{}, "the scroll view's YES became NO", "expect-result YES"};
   }
   const std::string& process = words.size() > 3 ? words[3] : kSpringBoard;
-  const std::size_t passed = count(fmt::format("{}({}, nil)", kCommandFunction, words[1]), process);
+  const char* options = session_.device().state.tellingArguments ? "<NSDictionary>" : "nil";
+  const std::size_t passed =
+      count(fmt::format("{}({}, {})", kCommandFunction, words[1], options), process);
   const std::size_t any = count(kCommandFunction + "(*");
   const std::size_t expected = *answer ? 1 : 0;
   if (passed == expected && any == expected) return std::nullopt;

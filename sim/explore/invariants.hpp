@@ -20,6 +20,7 @@ inline constexpr const char* kKnownCommandLines = "only known command lines are 
 inline constexpr const char* kOnlyListedApps = "only listed apps are launched";
 inline constexpr const char* kPassedOnOnce =
     "what is passed on reaches the platform once, what is taken over never";
+inline constexpr const char* kNeighbours = "another extension gets what it would without us";
 inline constexpr const char* kAnswered = "a command reaches the platform once if it is answered";
 inline constexpr const char* kOneGreeting = "the user is greeted once";
 inline constexpr const char* kSettingsKept = "no announced setting is lost";
@@ -56,6 +57,7 @@ class Invariants {
   std::optional<Violation> knownCommandLines(const Words& words);
   std::optional<Violation> onlyListedApps(const Words& words);
   std::optional<Violation> passedOnOnce(const Words& words);
+  std::optional<Violation> neighbours(const Words& words);
   std::optional<Violation> answered(const Words& words);
   std::optional<Violation> oneGreeting(const Words& words);
   std::optional<Violation> settingsKept(const Words& words);

@@ -19,11 +19,17 @@ std::string passed(Device& device, const std::string& cls) {
 
 std::string upper(const std::string& yesNo) { return yesNo == "yes" ? "YES" : "NO"; }
 
-std::optional<StockCall> titleView(const Words& words) {
+// What an app is told to have been launched as.
+std::string launchedProcess(const Device& device) {
+  return device.state.tellingArguments ? "<NSObject>" : "nil";
+}
+
+std::optional<StockCall> titleView(const Words& words, const Device& device) {
   const std::string cls = "MPUMediaControlsTitlesView";
   if (words[1] == "new")
-    return StockCall{cls,
-                     "initWithMediaControlsStyle:", "-[" + cls + " initWithMediaControlsStyle:0]"};
+    return StockCall{cls, "initWithMediaControlsStyle:",
+                     fmt::format("-[{} initWithMediaControlsStyle:{}]", cls,
+                                 device.state.tellingArguments ? 3 : 0)};
   if (words[1] == "free") return StockCall{cls, "dealloc", "-[" + cls + " dealloc]"};
   // The library may show another name, but shows one.
   return StockCall{
@@ -62,10 +68,12 @@ std::optional<StockCall> widget(const Words& words, Device& device) {
       PassedOn::OnceOrNever};
 }
 
-std::optional<StockCall> lockScreen(const Words& words) {
+std::optional<StockCall> lockScreen(const Words& words, const Device& device) {
   const std::string cls = "SBLockScreenViewController";
   if (words[0] == "unlock")
-    return StockCall{cls, "finishUIUnlockFromSource:", "-[" + cls + " finishUIUnlockFromSource:0]"};
+    return StockCall{cls, "finishUIUnlockFromSource:",
+                     fmt::format("-[{} finishUIUnlockFromSource:{}]", cls,
+                                 device.state.tellingArguments ? 2 : 0)};
   if (words[0] == "display-off")
     return StockCall{cls, "_handleDisplayTurnedOff", "-[" + cls + " _handleDisplayTurnedOff]"};
   return StockCall{
@@ -110,16 +118,18 @@ std::optional<StockCall> stockCall(const Words& words, Device& device) {
                      std::string("-[SBMediaController setNowPlayingInfo:") +
                          (words[1] == "yes" ? "<NSDictionary>]" : "nil]")};
   if (name == "process-launched" || name == "start")
-    return StockCall{"SBApplication", "processDidLaunch:",
-                     "-[SBApplication(" + words[1] + ") processDidLaunch:nil]"};
+    return StockCall{
+        "SBApplication", "processDidLaunch:",
+        "-[SBApplication(" + words[1] + ") processDidLaunch:" + launchedProcess(device) + "]"};
   if (name == "drag-lock-screen")
     return StockCall{"SBLockScreenScrollView", "touchesShouldCancelInContentView:",
                      "-[SBLockScreenScrollView touchesShouldCancelInContentView:<UIView>]"};
-  if (name == "title-view") return titleView(words);
+  if (name == "title-view") return titleView(words, device);
   if (name == "quit-card") return quitCard(words, device);
   if (name == "widget") return widget(words, device);
   if (name == "watch") return watch(words);
-  if (name == "unlock" || name == "display-off" || name == "passcode") return lockScreen(words);
+  if (name == "unlock" || name == "display-off" || name == "passcode")
+    return lockScreen(words, device);
   return std::nullopt;
 }
 
