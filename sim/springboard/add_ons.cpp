@@ -3,6 +3,7 @@
 #include "sim/foundation/dictionary.hpp"
 #include "sim/foundation/string.hpp"
 #include "sim/springboard/definitions.hpp"
+#include "sim/springboard/result_word.hpp"
 
 namespace sim {
 
@@ -38,8 +39,7 @@ ClassDefinition defineAuxoCollectionView() {
   auto definition =
       ClassDefinition::of<Object>("AuxoCollectionView", "UIView", Home::addOn("Auxo"));
   definition
-      .code(detail::methodCode<Object, void, Object*, Object*>(
-          "activateApplicationWithDisplayIdentifier:fromCell:", [](Object&, Object*, Object*) {}))
+      .code(leavingWord<Object*, Object*>("activateApplicationWithDisplayIdentifier:fromCell:"))
       .effect();
   return definition;
 }
@@ -51,7 +51,7 @@ ClassDefinition defineAuxoCell() {
 ClassDefinition defineMPMiniPlayerActionsDelegate() {
   auto definition = ClassDefinition::of<Object>("MPMiniPlayerActionsDelegate", "NSObject",
                                                 Home::addOn("MiniPlayer"));
-  definition.code(detail::methodCode<Object, void>("openNowPlayingApp", [](Object&) {})).effect();
+  definition.code(leavingWord<>("openNowPlayingApp")).effect();
   return definition;
 }
 

@@ -4,6 +4,7 @@
 #include "sim/foundation/dictionary.hpp"
 #include "sim/foundation/number.hpp"
 #include "sim/springboard/definitions.hpp"
+#include "sim/springboard/result_word.hpp"
 #include "sim/springboard/springboard.hpp"
 
 namespace sim {
@@ -95,9 +96,8 @@ ClassDefinition defineMPUSystemMediaControlsViewController() {
                                                       [](Object&, Object*, long) {}));
   add(detail::methodCode<Object, void, Object*>("mediaControlsTitlesViewWasTapped:",
                                                 [](Object&, Object*) {}));
-  add(detail::methodCode<Object, void>("action_OpenApp", [](Object&) {})).onlyWithAddOn("Acapella");
-  add(detail::methodCode<Object, void>("action_openapp", [](Object&) {
-  })).onlyWithAddOn("Acapella2");
+  add(leavingWord<>("action_OpenApp")).onlyWithAddOn("Acapella");
+  add(leavingWord<>("action_openapp")).onlyWithAddOn("Acapella2");
   return definition;
 }
 

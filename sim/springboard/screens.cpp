@@ -3,6 +3,7 @@
 
 #include "sim/core/device.hpp"
 #include "sim/springboard/definitions.hpp"
+#include "sim/springboard/result_word.hpp"
 #include "sim/uikit/application.hpp"
 
 namespace sim {
@@ -95,14 +96,14 @@ ClassDefinition defineSBLockScreenManager() {
 
 ClassDefinition defineSBLockScreenViewController() {
   auto definition = defineFace("SBLockScreenViewController");
-  definition.code(quiet<void, int>("finishUIUnlockFromSource:")).effect();
-  definition.code(quiet<void, bool, bool, Object*>("setPasscodeLockVisible:animated:completion:"))
+  definition.code(leavingWord<int>("finishUIUnlockFromSource:")).effect();
+  definition.code(leavingWord<bool, bool, Object*>("setPasscodeLockVisible:animated:completion:"))
       .effect();
   definition
       .code(quiet<void, bool, bool, int, Object*>(
           "setPasscodeLockVisible:animated:withUnlockSource:andOptions:"))
       .effect();
-  definition.code(quiet<void>("_handleDisplayTurnedOff")).effect();
+  definition.code(leavingWord<>("_handleDisplayTurnedOff")).effect();
   return definition;
 }
 
@@ -159,7 +160,7 @@ ClassDefinition defineSBApplicationIcon() {
 
 ClassDefinition defineSBAppSliderController() {
   auto definition = defineFace("SBAppSliderController").classOn(Versions::before(kIOS8));
-  definition.code(quiet<void, unsigned long>("_quitAppAtIndex:")).effect();
+  definition.code(leavingWord<unsigned long>("_quitAppAtIndex:")).effect();
   definition.code(detail::methodCode<Face, Ref<NSString>, unsigned long>("_displayIDAtIndex:",
                                                                          displayIdAtIndex));
   return definition;
@@ -167,10 +168,10 @@ ClassDefinition defineSBAppSliderController() {
 
 ClassDefinition defineSBAppSwitcherModel() {
   auto definition = defineFace("SBAppSwitcherModel");
-  definition.code(detail::methodCode<Face, void, Object*>("removeDisplayItem:", removeItem))
+  definition.code(leavingWord<Face, Object*>("removeDisplayItem:", removeItem))
       .on(kOnlyIOS8)
       .effect();
-  definition.code(detail::methodCode<Face, void, Object*>("remove:", removeItem)).effect();
+  definition.code(leavingWord<Face, Object*>("remove:", removeItem)).effect();
   return definition;
 }
 
