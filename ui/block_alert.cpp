@@ -93,6 +93,7 @@ UIAlertView show(ClassObject cls, NSString title, NSString message, NSInteger st
   const NSUInteger others = otherTitles.count();
   const NSString first = others ? as<NSString>(otherTitles.objectAtIndex(0)) : NSString{};
   const auto alert = UIAlertView::make(cls, title, message, Object{}, cancelTitle, first);
+  if (!alert) return {};  // where UIKit is missing; nothing can be associated with nil
   alert->setAlertViewStyle(style);
   if (others > 1)
     enumerate(otherTitles.subarrayWithRange(1, others - 1),
