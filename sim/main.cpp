@@ -1,5 +1,6 @@
 // corvalen-sim: runs the library on a simulated device.
 #include <CLI/CLI.hpp>
+#include <cstdlib>
 #include <fstream>
 #include <iostream>
 #include <sstream>
@@ -34,8 +35,9 @@ struct CommandLine {
   }
 };
 
-// The library's host build lies beside the program.
+// The library's host build lies beside the program, unless the environment names another one.
 std::filesystem::path hostLibrary() {
+  if (const char* named = std::getenv("CORVALEN_LIBRARY")) return named;
   return std::filesystem::read_symlink("/proc/self/exe").parent_path() / "proCorvalen.so";
 }
 

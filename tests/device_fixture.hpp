@@ -34,11 +34,17 @@ class Calls final : public Trace {
   bool wantsAll = false;
 };
 
+// The library's host build: the one built beside the tests, unless the environment names another.
+inline std::string hostLibrary() {
+  const char* named = std::getenv("CORVALEN_LIBRARY");
+  return named ? named : CORVALEN_LIBRARY;
+}
+
 // The library that tests run: the host build, or the slice of a device binary that the environment
 // names with CORVALEN_IMAGE and CORVALEN_SLICE.
 inline std::unique_ptr<LibraryLoader> testedLibrary() {
   const char* image = std::getenv("CORVALEN_IMAGE");
-  if (!image) return std::make_unique<HostLibraryLoader>(CORVALEN_LIBRARY);
+  if (!image) return std::make_unique<HostLibraryLoader>(hostLibrary());
   const char* slice = std::getenv("CORVALEN_SLICE");
   const bool armv7 = slice && std::string(slice) == "armv7";
   return std::make_unique<guest::GuestLibraryLoader>(

@@ -33,7 +33,7 @@ class HostileSettings : public ::testing::Test {
 
  private:
   std::unique_ptr<LibraryLoader> tested_ = testedLibrary();
-  HostLibraryLoader host_{CORVALEN_LIBRARY};
+  HostLibraryLoader host_{hostLibrary()};
 };
 
 TEST_F(HostileSettings, OfTheCorpusBreakNothing) {

@@ -159,7 +159,7 @@ class NoAnswer : public ::testing::TestWithParam<Row> {};
 
 TEST_P(NoAnswer, LeavesTheseEffects) {
   const Row& row = GetParam();
-  HostLibraryLoader loader(CORVALEN_LIBRARY);
+  HostLibraryLoader loader(hostLibrary());
   std::ostringstream trace;
   scenario::Output output(trace, scenario::Format::Text);
   scenario::Session session(loader, output, false);

@@ -25,7 +25,7 @@ namespace rule = explore::rule;
 class BrokenInvariant : public ::testing::Test {
  protected:
   BrokenInvariant()
-      : loader_(CORVALEN_LIBRARY),
+      : loader_(hostLibrary()),
         output_(trace_, scenario::Format::Text),
         session_(loader_, output_, false),
         invariants_(session_) {
@@ -190,7 +190,7 @@ TEST(Shrinking, LeavesOutPairsThatNeedEachOther) {
 }
 
 std::unique_ptr<LibraryLoader> hostLoader() {
-  return std::make_unique<HostLibraryLoader>(CORVALEN_LIBRARY);
+  return std::make_unique<HostLibraryLoader>(hostLibrary());
 }
 
 TEST(Drawing, GivesTheSameScenarioForTheSameSeed) {
@@ -227,7 +227,7 @@ class DeafLoader final : public LibraryLoader {
   void setVersion(double) override {}
 
  private:
-  HostLibraryLoader loader_{CORVALEN_LIBRARY};
+  HostLibraryLoader loader_{hostLibrary()};
 };
 
 TEST(Exploring, ShrinksAScenarioThatRunsDifferentlyOnTwoBuilds) {
