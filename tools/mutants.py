@@ -286,6 +286,8 @@ def try_all(options):
     one = lambda mutant: trial(build, mutant, work, stages)
     counts = dict.fromkeys(("killed", "survived", "argued", "wrong"), 0)
     try:
+        if not build.failed_scenario(work / "no library", work):
+            raise WrongData(f"{build.simulator} does not play with the library it is given")
         killer = build.killer(build.folder / "proCorvalen.so", work, STAGES[:1])
         if killer:
             raise WrongData(f"the unchanged library fails {killer}")
