@@ -30,11 +30,11 @@ FIELDS = {"says", "file", "from", "to", "occurrence", "argued"}
 # would notice no change of the library.
 SIMULATOR_ALONE = "MachO.*:Rebases.*:Binds.*:Arm*:Child.*:Search.*:Words.*:Shrinking.*:Drawing.*"
 LONG = "*Rule.*:HostileSettings.*:Exploring.*"
+# Name, tests, and how long they may take, as a multiple of what all scenarios may.
 STAGES = [
-    ("tests", f"*:-{LONG}:{SIMULATOR_ALONE}", 300),
-    ("long tests", LONG, 1800),
+    ("tests", f"*:-{LONG}:{SIMULATOR_ALONE}", 3),
+    ("long tests", LONG, 15),
 ]
-SCENARIO_SECONDS = 120
 MEMORY = 8 << 30
 
 
@@ -132,8 +132,9 @@ def play(command, library, folder, seconds):
 class Build:
     """The host build whose objects and programs the trials use."""
 
-    def __init__(self, folder):
+    def __init__(self, folder, seconds):
         self.folder = folder
+        self.seconds = seconds
         self.simulator = folder / "corvalen-sim"
         self.tests = folder / "tests" / "corvalen_tests"
         try:
@@ -212,18 +213,21 @@ class Build:
 
     def failed_scenario(self, library, folder):
         run = [str(self.simulator), "run", "--leaks", "--format", "json"]
-        status, _ = play([*run, *self.scenarios], library, folder, SCENARIO_SECONDS)
+        status, said = play([*run, *self.scenarios], library, folder, self.seconds)
         if status == 0:
             return None
+        named = re.search(r"^(scenarios/\S+?\.txt):", said, re.M)
+        if named:
+            return named[1]
         for scenario in self.scenarios:
-            status, _ = play([*run, scenario], library, folder, SCENARIO_SECONDS)
+            status, _ = play([*run, scenario], library, folder, self.seconds / 4)
             if status != 0:
                 return self.how(status) + scenario
         return "all scenarios together"
 
-    def failed_test(self, library, folder, stage, tests, seconds):
+    def failed_test(self, library, folder, stage, tests, patience):
         command = [str(self.tests), "--gtest_fail_fast", f"--gtest_filter={tests}"]
-        status, said = play(command, library, folder, seconds)
+        status, said = play(command, library, folder, patience * self.seconds)
         if status == 0:
             return None
         failed = re.search(r"^\[  FAILED  \] (\S+?),? ", said, re.M)
@@ -279,7 +283,7 @@ def try_all(options):
         print(f"{len(mutants)} mutants, {argued} of them argued, each with its place in the library")
         return 0
     mutants = chosen(mutants, options)
-    build = Build(options.build.resolve())
+    build = Build(options.build.resolve(), options.timeout)
     work = build.folder / "mutants" / str(os.getpid())
     work.mkdir(parents=True)
     stages = STAGES[:1] if options.quick else STAGES
@@ -312,6 +316,8 @@ def main():
     parser.add_argument("--jobs", type=int, default=os.cpu_count(), help="how many at a time")
     parser.add_argument("--only", metavar="REGEX", help="only those whose name matches")
     parser.add_argument("--quick", action="store_true", help="leave the longest tests out")
+    parser.add_argument("--timeout", type=float, default=120, metavar="SECONDS",
+                        help="how long all scenarios may take; tests get more in proportion")
     parser.add_argument("--check", action="store_true", help="only see that the data is right")
     parser.add_argument("--build", type=pathlib.Path, default=ROOT / "build" / "host",
                         help="the host build to use")

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# soak.sh MINUTES: searches for faults for that long, in every way there is, and says what was tried.
+# soak.sh MINUTES: searches for faults for that long, in every way there is, tries all deliberate
+# changes of the library, and says what was tried.
 # Findings are printed as they come, ready to be kept in scenarios/regressions/; the exit status is 1
 # if there were any. SEED=N repeats a soak's random choices.
 set -euo pipefail
@@ -20,18 +21,19 @@ findings=0
 
 share() { awk -v m="$minutes" -v part="$1" 'BEGIN { printf "%.3f", m * part / 100 }'; }
 
-# A search of the simulator's: its findings and its progress are shown, its last line is kept.
-search() {
+# A search: its findings and its progress are shown, its last line is kept.
+tried() {
   local name=$1 log
   shift
   log="$logs/${#figures[@]}"
   echo "== $name"
-  "$simulator" "$@" --jobs "$jobs" 2>&1 | tee "$log" || true
+  "$@" --jobs "$jobs" 2>&1 | tee "$log" || true
   figures+=("$(printf '%-48s %s' "$name" "$(tail -1 "$log")")")
   local found
   found=$(tail -1 "$log" | sed -n 's/.* \([0-9]*\) findings.*/\1/p')
   findings=$((findings + ${found:-1}))
 }
+search() { tried "$1" "$simulator" "${@:2}"; }
 
 # Both fuzzers at once, each on a core of its own.
 fuzz() {
@@ -72,6 +74,8 @@ search 'random scenarios' explore --seed "$seed" --minutes "$(share 30)"
 search 'random scenarios, host and both slices alike' explore --seed "$((seed + 500000000))" \
   --image "$image" --minutes "$(share 15)"
 fuzz
+# However long it takes: what nobody would notice is a gap in all that is above.
+tried 'deliberate changes of the library' tools/mutants.py
 
 echo
 echo "== In $minutes minutes with seed $seed"
