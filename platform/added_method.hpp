@@ -11,7 +11,7 @@ namespace platform {
 // One method to be added.
 struct AddedMethod {
   const char* selectorName;
-  BOOL (*add)(Class cls, SEL name);  // NO: the class has one already
+  void (*add)(Class cls, SEL name);
 };
 
 namespace detail {
@@ -27,20 +27,16 @@ template <auto* Function, Literal SelectorName>
 requires(detail::kMethodArguments<std::remove_pointer_t<decltype(Function)>> ==
          kText<SelectorName>.count(':') + 1) consteval AddedMethod addedMethod() {
   return {kText<SelectorName>.text, [](Class cls, SEL name) {
-            return class_addMethod(cls, name, reinterpret_cast<IMP>(Function),
-                                   kEncoding<std::remove_pointer_t<decltype(Function)>>);
+            class_addMethod(cls, name, reinterpret_cast<IMP>(Function),
+                            kEncoding<std::remove_pointer_t<decltype(Function)>>);
           }};
 }
 
-// Adds every row to `cls`; nothing where the class is missing. Whether they are all ours now: false
-// if the class had one of them.
+// Adds every row to `cls`; nothing where the class is missing.
 template <size_t Count>
-bool addMethods(Class cls, const AddedMethod (&rows)[Count]) {
-  bool all = true;
-  if (!cls) return all;
-  for (const AddedMethod& row : rows)
-    if (!row.add(cls, sel_registerName(row.selectorName))) all = false;
-  return all;
+void addMethods(Class cls, const AddedMethod (&rows)[Count]) {
+  if (!cls) return;
+  for (const AddedMethod& row : rows) row.add(cls, sel_registerName(row.selectorName));
 }
 
 // Declares properties that hold blocks (copy, nonatomic) in `cls`; nothing where it is missing.

@@ -10,6 +10,10 @@ struct NSObject : Object {
   bool isKindOfClass(ClassObject cls) const {
     return send<"isKindOfClass:", bool>(*this, cls.cls());
   }
+  // Of a class: what its instances run for that message.
+  IMP instanceMethodFor(SEL name) const {
+    return send<"instanceMethodForSelector:", IMP>(*this, name);
+  }
 };
 
 struct NSString : Object {

@@ -170,19 +170,18 @@ constexpr const char* kProperties[] = {
     "shouldEnableFirstOtherButtonInOurBlock",
 };
 
-// Somebody else's category stands under some of these selectors, and keeps them.
-constinit bool categoryIsShared = false;
-
-// The class of our own alerts: where UIAlertView's methods are not all ours, a class below it on
-// which they are. Made at its first use.
+// The class of our own alerts. Where somebody else's category has the message by which an alert
+// reports its buttons, a class below UIAlertView on which it is ours, made at its first use.
 ClassObject ownAlertClass() {
-  if (!categoryIsShared) return UIAlertView::cls();
+  const ClassObject cls = UIAlertView::cls();
+  const IMP ours = reinterpret_cast<IMP>(&deliverButton<"responseBlock">);
+  const SEL report = selector<"alertView:clickedButtonAtIndex:">();
+  if (!cls || as<NSObject>(cls).instanceMethodFor(report) == ours) return cls;
   constexpr Literal kName = "CVPAlertView";
-  const ClassObject known = classNamed<kName>();
-  if (known) return known;
-  const Class cls = objc_allocateClassPair(UIAlertView::cls().cls(), kText<kName>.text, 0);
-  addMethods(cls, kMethods);
-  objc_registerClassPair(cls);
+  if (const Class fresh = objc_allocateClassPair(cls.cls(), kText<kName>.text, 0)) {
+    addMethods(fresh, kMethods);
+    objc_registerClassPair(fresh);
+  }
   return classNamed<kName>();
 }
 
@@ -197,7 +196,7 @@ UIAlertView showAlert(NSString title, NSString message, NSString cancelTitle, NS
 void registerAlertCategory() {
   const Class cls = UIAlertView::cls().cls();
   addMethods(metaclassOf(cls), kClassMethods);
-  categoryIsShared = !addMethods(cls, kMethods);
+  addMethods(cls, kMethods);
   addCopiedBlockProperties(cls, kProperties);
 }
 

@@ -15,6 +15,15 @@ Owned<Object> makeNew(Class& cls) {
   return {Ref<Object>(cls.process.object(result.bits))};
 }
 
+// What stands behind the method, as the library can call and compare it.
+Pointer instanceMethod(Class& cls, Selector name) {
+  Process& process = cls.process;
+  Method* method = cls.find(process.selectorName(name.address));
+  if (!method) return {};
+  const Implementation& found = method->implementation;
+  return {found.native ? process.library().expose(found.native, true) : found.library};
+}
+
 NativeCode untraced(NativeCode code) {
   code.relay = true;
   return code;
@@ -26,6 +35,7 @@ ClassDefinition defineNSObject() {
   auto definition = ClassDefinition::of<Object>("NSObject", "", Home::everywhere());
   definition.classMethod("alloc", &alloc);
   definition.classMethod("new", &makeNew);
+  definition.classMethod("instanceMethodForSelector:", &instanceMethod);
   definition.code(detail::methodCode<Object, Object*>("init", [](Object& self) { return &self; }));
   definition.code(untraced(detail::methodCode<Object, void>(
       "dealloc", [](Object& self) { self.process.destroy(self); })));
