@@ -159,13 +159,21 @@ std::optional<Violation> Invariants::onlyListedApps(const Words& words) {
 
 // ---- Passing on
 
+namespace {
+
+// The process that the call is made in, if it can be made there.
+Process* answering(Device& device, const StockCall& stock) {
+  Process* process = device.process(stock.process);
+  Class* cls = process ? process->findClass(stock.cls) : nullptr;
+  return cls && cls->find(stock.selector) ? process : nullptr;
+}
+
+}  // namespace
+
 std::optional<Violation> Invariants::passedOnOnce(const Words& words) {
   Device& device = session_.device();
   const auto stock = stockCall(words, device);
-  if (!stock || interrupted_) return std::nullopt;
-  Process* process = device.process(stock->process);
-  Class* cls = process ? process->findClass(stock->cls) : nullptr;
-  if (!cls || !cls->find(stock->selector)) return std::nullopt;
+  if (!stock || interrupted_ || !answering(device, *stock)) return std::nullopt;
   const std::size_t passed = count(stock->call, stock->process);
   const std::size_t instead =
       count("-[SpringBoard launchApplicationWithIdentifier:*", kSpringBoard) +
@@ -196,9 +204,8 @@ std::optional<Violation> Invariants::neighbours(const Words& words) {
       return Violation{{}, passed + " stopped at the neighbour", "expect " + passed};
   }
   const auto stock = stockCall(words, device);
-  Process* process = stock ? device.process(stock->process) : nullptr;
-  if (!process || !process->findClass(stock->cls) || process->neighbour == Neighbour::None)
-    return std::nullopt;
+  const Process* process = stock && !interrupted_ ? answering(device, *stock) : nullptr;
+  if (!process || process->neighbour == Neighbour::None) return std::nullopt;
   const std::string seen = mark + stock->call;
   const std::size_t wanted =
       process->neighbour == Neighbour::After ? 1 : count(stock->call, stock->process);
