@@ -223,13 +223,45 @@ TEST_F(Installer, TheBundleIdentifierIsReadOnceAComparison) {
   EXPECT_EQ(calls.count("-[NSBundle bundleIdentifier]"), 4u);
 }
 
-TEST_F(Installer, TheFollowHandlerAndTheCategoriesAreThereInEveryProcess) {
-  device.startApp("com.example.notes");
-  Process& process = *device.process("com.example.notes");
-  ASSERT_NE(process.findClass("CVPTWHandler"), nullptr);
-  EXPECT_NE(process.findClass("CVPTWHandler")->find("dropMeAFollow"), nullptr);
-  EXPECT_NE(process.findClass("UIAlertView")->find("responseBlock"), nullptr);
-  EXPECT_NE(process.findClass("NSTimer")->isa->find("rvExecuteSimpleBlock:"), nullptr);
+TEST_F(Installer, TheAlertCategoryIsThereInEveryProcess) {
+  booted();
+  for (const std::string app :
+       {"com.example.notes", kSpotify.c_str(), kPodcasts.c_str(), kGarmin.c_str()})
+    device.startApp(app);
+  for (Process* process : device.processes()) {
+    Class& alerts = *process->findClass("UIAlertView");
+    EXPECT_NE(alerts.find("responseBlock"), nullptr) << process->identifier;
+    EXPECT_NE(alerts.find("alertViewShouldEnableFirstOtherButton:"), nullptr);
+    EXPECT_EQ(alerts.properties.size(), 7u);
+    for (const auto& [name, attributes] : alerts.properties)
+      EXPECT_EQ(attributes, "T@?,C,N") << name;
+    EXPECT_TRUE(alerts.properties.contains("shouldEnableFirstOtherButtonInOurBlock"));
+  }
+}
+
+TEST_F(Installer, TheTimerCategoryIsThereWhereItIsUsed) {
+  booted();
+  for (const std::string app :
+       {"com.example.notes", kSpotify.c_str(), kPodcasts.c_str(), kGarmin.c_str()})
+    device.startApp(app);
+  const auto has = [&](const std::string& app) {
+    return device.process(app)->findClass("NSTimer")->isa->find("rvExecuteSimpleBlock:") != nullptr;
+  };
+  EXPECT_TRUE(has(kSpringBoard));
+  EXPECT_TRUE(has(kSpotify));
+  EXPECT_TRUE(has(kPodcasts));
+  EXPECT_FALSE(has(kGarmin));
+  EXPECT_FALSE(has("com.example.notes"));
+}
+
+TEST_F(Installer, TheFollowHandlerIsThereWhereItRuns) {
+  Class* handler = booted().findClass("CVPTWHandler");
+  ASSERT_NE(handler, nullptr);
+  EXPECT_NE(handler->find("dropMeAFollow"), nullptr);
+  for (const std::string app : {"com.example.notes", kSpotify.c_str()}) {
+    device.startApp(app);
+    EXPECT_EQ(device.process(app)->findClass("CVPTWHandler"), nullptr);
+  }
 }
 
 TEST_F(Installer, WhereThePlatformClassIsMissingNothingIsAdded) {
