@@ -46,9 +46,13 @@ compile() {
   local modules=()
   for source in "${sources[@]}" "${overriding[@]}"; do
     local module=$work/${source//\//_}.$slice.bc
-    # Small everywhere, but quick where every process passes: in the installer.
+    # Small everywhere, but quick where every process passes.
     local size=-Oz
-    [[ $source == loader/installer.cpp || $source == *.m ]] && size=-O2
+    # (Not the constructor in 32 bits, where small is quick: addresses take two instructions.)
+    case $source in
+      loader/constructor.cpp) [ "$slice" = armv7 ] || size=-O2 ;;
+      loader/installer.cpp | *.m) size=-O2 ;;
+    esac
     local language=("${cplusplus[@]}")
     [[ $source == *.m ]] && language=("${objective_c[@]}")
     (cd "$root" && clang-19 "$target" $size "${flags[@]}" "${language[@]}" "$@" \

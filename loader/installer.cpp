@@ -12,30 +12,60 @@ using namespace platform;
 
 namespace {
 
-template <size_t Count>
-[[gnu::always_inline]] inline void observe(CFNotificationCenterRef center,
-                                           const ObserverRow (&rows)[Count]) {
-  for (const ObserverRow& row : rows)
-    CFNotificationCenterAddObserver(center, nullptr, row.callback, objectOf(row.name), nullptr,
-                                    kDeliverImmediately);
+template <const auto& Rows>
+[[gnu::always_inline]] inline void observe(CFNotificationCenterRef center) {
+  auto* const addObserver = bound(&CFNotificationCenterAddObserver);
+  unrolled<std::size(Rows)>([&]<size_t Index>() __attribute__((always_inline)) {
+    constexpr ObserverRow kRow = Rows[Index];
+    addObserver(center, nullptr, kRow.callback, objectOf(kRow.name), nullptr, kDeliverImmediately);
+  });
 }
+
+// What installs rows of hooks, each function of it looked up once.
+struct Hooking {
+  decltype(&objc_getClass) getClass = bound(&objc_getClass);
+  decltype(&sel_registerName) registerName = bound(&sel_registerName);
+  decltype(&MSHookMessageEx) hookMessage = bound(&MSHookMessageEx);
+
+  [[gnu::always_inline]] void install(Class cls, MethodRow row) const {
+    row.install(cls, registerName(row.selectorName), hookMessage);
+  }
+};
 
 // A class that is missing is passed on as it is: the hooking framework then installs nothing.
-[[gnu::noinline]] void hook(std::span<const HookGroup> groups) {
-  for (const HookGroup& group : groups) {
-    if (!group.versions.contains(version())) continue;
-    const Class cls = objc_getClass(group.className);
-    for (const MethodRow& row : group.rows) row.install(cls, sel_registerName(row.selectorName));
-  }
+template <const auto& Groups>
+[[gnu::always_inline]] inline void hook(const Hooking& hooking = {}) {
+  unrolled<std::size(Groups)>([&]<size_t Group>() __attribute__((always_inline)) {
+    constexpr const HookGroup& kGroup = Groups[Group];
+    if (!kGroup.versions.isEveryVersion() && !kGroup.versions.contains(version())) return;
+    const Class cls = hooking.getClass(kGroup.className);
+    unrolled<kGroup.rows.size()>([&]<size_t Row>() __attribute__((always_inline)) {
+      hooking.install(cls, kGroup.rows[Row]);
+    });
+  });
 }
 
-void hookAddOns() {
-  for (const AddOnRow& addOn : kAddOnHooks) {
-    if (!NSFileManager::defaultManager().fileExistsAtPath(view<NSString>(objectOf(addOn.path))))
-      continue;
-    const Class cls = objc_getClass(addOn.className);
-    addOn.row.install(cls, sel_registerName(addOn.row.selectorName));
+// Asks the default file manager, afresh for each file.
+struct FileQuestion {
+  SEL defaultManager;
+  SEL fileExistsAtPath;
+  Messenger messenger;
+
+  [[gnu::always_inline]] bool exist(const Hooking& hooking, NSString path) const {
+    const auto cls = view(reinterpret_cast<id>(hooking.getClass("NSFileManager")));
+    const auto files = messenger.send<NSFileManager>(cls, defaultManager);
+    return messenger.send<bool>(files, fileExistsAtPath, path);
   }
+};
+
+[[gnu::always_inline]] inline void hookAddOns(const Hooking& hooking) {
+  const FileQuestion files{
+      hooking.registerName("defaultManager"), hooking.registerName("fileExistsAtPath:"), {}};
+  unrolled<std::size(kAddOnHooks)>([&]<size_t Index>() __attribute__((always_inline)) {
+    constexpr const AddOnRow& kAddOn = kAddOnHooks[Index];
+    if (files.exist(hooking, view<NSString>(objectOf(kAddOn.path))))
+      hooking.install(hooking.getClass(kAddOn.className), kAddOn.row);
+  });
 }
 
 template <class Hook>
@@ -48,42 +78,47 @@ void hookMediaCommand() {
   ui::registerTimerCategory();
   welcome::registerFollowHandler();
   preferences::loadPreferences();
-  observe(CFNotificationCenterGetDarwinNotifyCenter(), kSpringBoardObservers);
-  observe(CFNotificationCenterGetLocalCenter(), kSpringBoardLocalObservers);
-  hook(kSpringBoardHooks);
-  hookAddOns();
+  observe<kSpringBoardObservers>(CFNotificationCenterGetDarwinNotifyCenter());
+  observe<kSpringBoardLocalObservers>(CFNotificationCenterGetLocalCenter());
+  const Hooking hooking;
+  hook<kSpringBoardHooks>(hooking);
+  hookAddOns(hooking);
   hookMediaCommand<springboard::RemoteCommand>();
 }
 
-[[gnu::noinline]] void installPlayer(std::span<const HookGroup> hooks) {
+template <const auto& Hooks>
+[[gnu::noinline]] void installPlayer() {
   ui::registerTimerCategory();
-  observe(CFNotificationCenterGetDarwinNotifyCenter(), kPlayerObservers);
+  observe<kPlayerObservers>(CFNotificationCenterGetDarwinNotifyCenter());
   apps::readAutoPlay();
   notify_post(signals::kPlayerStarted);
-  hook(hooks);
+  hook<Hooks>();
 }
 
+[[gnu::noinline]] void installGarmin() { hook<kGarminHooks>(); }
+
 [[gnu::always_inline]] inline void installOther() {
-  observe(CFNotificationCenterGetDarwinNotifyCenter(), kOtherObservers);
+  observe<kOtherObservers>(CFNotificationCenterGetDarwinNotifyCenter());
   hookMediaCommand<apps::PlayCommand>();
 }
 
-// Asks for the process's bundle identifier, afresh for each comparison. Every app on the phone
-// passes here, so the class and the selectors are looked up once for all.
+// Asks the main bundle for its identifier, afresh for each comparison. Every app on the phone
+// passes here, so the bundle and the selectors are looked up once for all.
 class ProcessQuestion {
  public:
   [[gnu::always_inline]] bool is(NSString identifier) const {
-    const auto bundle = messenger_.send<NSBundle>(bundleClass_, mainBundle_);
-    const auto own = messenger_.send<NSString>(bundle, bundleIdentifier_);
+    const auto own = messenger_.send<NSString>(bundle_, bundleIdentifier_);
     return messenger_.send<bool>(own, isEqualToString_, identifier);
   }
 
  private:
-  ClassObject bundleClass_ = classNamed<"NSBundle">();
-  SEL mainBundle_ = sel_registerName("mainBundle");
-  SEL bundleIdentifier_ = sel_registerName("bundleIdentifier");
-  SEL isEqualToString_ = sel_registerName("isEqualToString:");
+  decltype(&sel_registerName) registerName_ = bound(&sel_registerName);
   Messenger messenger_;
+  ClassObject bundleClass_ = classNamed<"NSBundle">();
+  SEL mainBundle_ = registerName_("mainBundle");
+  NSBundle bundle_ = messenger_.send<NSBundle>(bundleClass_, mainBundle_);
+  SEL bundleIdentifier_ = registerName_("bundleIdentifier");
+  SEL isEqualToString_ = registerName_("isEqualToString:");
 };
 
 [[gnu::always_inline]] inline void installSet() {
@@ -91,11 +126,11 @@ class ProcessQuestion {
   if (process.is("com.apple.springboard"_ns)) [[unlikely]]
     return installSpringBoard();
   if (process.is("com.spotify.client"_ns)) [[unlikely]]
-    return installPlayer(kSpotifyHooks);
+    return installPlayer<kSpotifyHooks>();
   if (process.is("com.apple.podcasts"_ns)) [[unlikely]]
-    return installPlayer(kPodcastsHooks);
+    return installPlayer<kPodcastsHooks>();
   if (process.is("com.garmin.connect.mobile"_ns)) [[unlikely]]
-    return hook(kGarminHooks);
+    return installGarmin();
   installOther();
 }
 

@@ -16,14 +16,16 @@ struct VersionBand {
   double last;
   bool includesLast;
 
-  bool contains(double version) const {
+  [[gnu::always_inline]] constexpr bool contains(double version) const {
     return first <= version && (version < last || (includesLast && version == last));
   }
+  constexpr bool isEveryVersion() const { return first == 0 && last == kNoLimit; }
+
+  static constexpr double kNoLimit = 1e9;
 };
 
-inline constexpr double kNoLimit = 1e9;
-consteval VersionBand always() { return {0, kNoLimit, true}; }
-consteval VersionBand from(double first) { return {first, kNoLimit, true}; }
+consteval VersionBand always() { return {0, VersionBand::kNoLimit, true}; }
+consteval VersionBand from(double first) { return {first, VersionBand::kNoLimit, true}; }
 consteval VersionBand below(double last) { return {0, last, false}; }
 consteval VersionBand fromBelow(double first, double last) { return {first, last, false}; }
 consteval VersionBand fromThrough(double first, double last) { return {first, last, true}; }

@@ -5,13 +5,14 @@
 
 #include "platform/encoding.hpp"
 #include "platform/selector.hpp"
+#include "platform/unrolled.hpp"
 
 namespace platform {
 
 // One method to be added.
 struct AddedMethod {
   const char* selectorName;
-  void (*add)(Class cls, SEL name);
+  void (*add)(Class cls, SEL name, decltype(&class_addMethod) addMethod);
 };
 
 namespace detail {
@@ -26,25 +27,31 @@ inline constexpr size_t kMethodArguments<R(id, SEL, A...)> = sizeof...(A) + 1;
 template <auto* Function, Literal SelectorName>
 requires(detail::kMethodArguments<std::remove_pointer_t<decltype(Function)>> ==
          kText<SelectorName>.count(':') + 1) consteval AddedMethod addedMethod() {
-  return {kText<SelectorName>.text, [](Class cls, SEL name) {
-            class_addMethod(cls, name, reinterpret_cast<IMP>(Function),
-                            kEncoding<std::remove_pointer_t<decltype(Function)>>);
+  return {kText<SelectorName>.text, [](Class cls, SEL name, decltype(&class_addMethod) addMethod) {
+            addMethod(cls, name, reinterpret_cast<IMP>(Function),
+                      kEncoding<std::remove_pointer_t<decltype(Function)>>);
           }};
 }
 
-// Adds every row to `cls`; nothing where the class is missing.
-template <size_t Count>
-void addMethods(Class cls, const AddedMethod (&rows)[Count]) {
-  if (!cls) return;
-  for (const AddedMethod& row : rows) row.add(cls, sel_registerName(row.selectorName));
+// Adds every row of a table to `cls`, which must be there.
+template <const auto& Rows>
+[[gnu::always_inline]] inline void addMethods(Class cls) {
+  auto* const registerName = bound(&sel_registerName);
+  auto* const addMethod = bound(&class_addMethod);
+  unrolled<std::size(Rows)>([&]<size_t Index>() __attribute__((always_inline)) {
+    constexpr AddedMethod kRow = Rows[Index];
+    kRow.add(cls, registerName(kRow.selectorName), addMethod);
+  });
 }
 
-// Declares properties that hold blocks (copy, nonatomic) in `cls`; nothing where it is missing.
-template <size_t Count>
-void addCopiedBlockProperties(Class cls, const char* const (&names)[Count]) {
-  if (!cls) return;
+// Declares properties that hold blocks (copy, nonatomic) in `cls`, which must be there.
+template <const auto& Names>
+[[gnu::always_inline]] inline void addCopiedBlockProperties(Class cls) {
   static constexpr objc_property_attribute_t kAttributes[] = {{"T", "@?"}, {"C", ""}, {"N", ""}};
-  for (const char* name : names) class_addProperty(cls, name, kAttributes, std::size(kAttributes));
+  auto* const addProperty = bound(&class_addProperty);
+  unrolled<std::size(Names)>([&]<size_t Index>() __attribute__((always_inline)) {
+    addProperty(cls, Names[Index], kAttributes, std::size(kAttributes));
+  });
 }
 
 // The class that holds a class's class methods. Null for null.

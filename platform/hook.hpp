@@ -57,16 +57,16 @@ concept MethodHook =
 // One replaced method: installs Hook at the selector of a class.
 struct MethodRow {
   const char* selectorName;
-  void (*install)(Class cls, SEL name);
+  void (*install)(Class cls, SEL name, decltype(&MSHookMessageEx) hookMessage);
 };
 
 template <class Hook, Literal SelectorName>
 requires MethodHook<Hook> &&(detail::kArguments<detail::SlotPointer<Hook>> ==
                              kText<SelectorName>.count(':') + 2) consteval MethodRow method() {
-  return {kText<SelectorName>.text, [](Class cls, SEL name) {
-            MSHookMessageEx(cls, name, reinterpret_cast<IMP>(&Hook::replacement),
-                            &Hook::previous.stored);
-          }};
+  return {
+      kText<SelectorName>.text, [](Class cls, SEL name, decltype(&MSHookMessageEx) hookMessage) {
+        hookMessage(cls, name, reinterpret_cast<IMP>(&Hook::replacement), &Hook::previous.stored);
+      }};
 }
 
 // Installs Hook in place of the C function at `function`, which must be there.

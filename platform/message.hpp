@@ -3,6 +3,7 @@
 #pragma once
 #include "platform/object.hpp"
 #include "platform/selector.hpp"
+#include "platform/unrolled.hpp"
 
 namespace platform {
 
@@ -83,9 +84,6 @@ inline R sendNamed(Object receiver, SEL name, A... arguments) {
 // messenger's address is looked up once, and each message is one branch.
 class Messenger {
  public:
-  [[gnu::always_inline]] Messenger() : address_(&objc_msgSend) {
-    asm("" : "+r"(address_));  // or the compiler would go through the import's stub each time
-  }
   template <class R, class... A>
   [[gnu::always_inline]] R send(Object receiver, SEL name, A... arguments) const {
     using Prototype = detail::PassedAs<R> (*)(id, SEL, detail::PassedAs<A>...);
@@ -94,7 +92,7 @@ class Messenger {
   }
 
  private:
-  void (*address_)();
+  void (*address_)() = bound(&objc_msgSend);
 };
 
 // Sends a variadic message. As many arguments as the name has colons belong to the method's

@@ -179,7 +179,7 @@ ClassObject ownAlertClass() {
   if (!cls || as<NSObject>(cls).instanceMethodFor(report) == ours) return cls;
   constexpr Literal kName = "CVPAlertView";
   if (const Class fresh = objc_allocateClassPair(cls.cls(), kText<kName>.text, 0)) {
-    addMethods(fresh, kMethods);
+    addMethods<kMethods>(fresh);
     objc_registerClassPair(fresh);
   }
   return classNamed<kName>();
@@ -195,9 +195,10 @@ UIAlertView showAlert(NSString title, NSString message, NSString cancelTitle, NS
 
 void registerAlertCategory() {
   const Class cls = UIAlertView::cls().cls();
-  addMethods(metaclassOf(cls), kClassMethods);
-  addMethods(cls, kMethods);
-  addCopiedBlockProperties(cls, kProperties);
+  if (!cls) return;
+  addMethods<kClassMethods>(metaclassOf(cls));
+  addMethods<kMethods>(cls);
+  addCopiedBlockProperties<kProperties>(cls);
 }
 
 }  // namespace corvalen::ui

@@ -52,6 +52,8 @@ NSTimer timer(NSTimeInterval seconds, Object block, bool repeats) {
   return NSTimer::timer(seconds, target, action, copy.get(), repeats);
 }
 
-void registerTimerCategory() { addMethods(metaclassOf(NSTimer::cls().cls()), kClassMethods); }
+void registerTimerCategory() {
+  if (const Class cls = NSTimer::cls().cls()) addMethods<kClassMethods>(metaclassOf(cls));
+}
 
 }  // namespace corvalen::ui

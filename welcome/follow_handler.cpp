@@ -167,7 +167,7 @@ void holdHandler(UIAlertView alert, Object handler) {
 void registerFollowHandler() {
   const Class cls = objc_allocateClassPair(classNamed<"NSObject">().cls(), kHandlerClass.text, 0);
   if (!cls) return;  // another copy of this library has it
-  addMethods(cls, kMethods);
+  addMethods<kMethods>(cls);
   objc_registerClassPair(cls);
 }
 
