@@ -21,6 +21,7 @@ import shutil
 import signal
 import subprocess
 import sys
+import tempfile
 import tomllib
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
@@ -107,6 +108,14 @@ def read_mutants(folder):
     if not mutants:
         raise WrongData(f"{folder}: no mutants")
     return list(mutants.values())
+
+
+def work_folder():
+    """In memory where there is room: each process that a scenario starts gets a copy of the library."""
+    memory = "/dev/shm"
+    room = os.access(memory, os.W_OK) and shutil.disk_usage(memory).free > 256 << 20
+    in_memory = room and "TMPDIR" not in os.environ
+    return pathlib.Path(tempfile.mkdtemp(prefix="corvalen-mutants-", dir=memory if in_memory else None))
 
 
 def limit_memory():
@@ -284,8 +293,7 @@ def try_all(options):
         return 0
     mutants = chosen(mutants, options)
     build = Build(options.build.resolve(), options.timeout)
-    work = build.folder / "mutants" / str(os.getpid())
-    work.mkdir(parents=True)
+    work = work_folder()
     stages = STAGES[:1] if options.quick else STAGES
     one = lambda mutant: trial(build, mutant, work, stages)
     counts = dict.fromkeys(("killed", "survived", "argued", "wrong"), 0)
