@@ -86,6 +86,17 @@ TEST_F(StrictWorld, ADictionaryRefusesNil) {
       "-[NSMutableDictionary setObject:forKey:] with nil");
 }
 
+TEST_F(StrictWorld, AReferenceThatNobodyNeedsIsALeakToo) {
+  Process& process = booted();
+  auto& controller = process.shared<Object>("SBIconController");
+  const Address kept = process.library().allocate(process.library().pointerSize());
+  process.library().writePointer(kept, controller.address);
+  EXPECT_EQ(process.leaks(), std::vector<std::string>());
+  controller.libraryRetain();
+  EXPECT_EQ(process.leaks(),
+            (std::vector<std::string>{"<SBIconController> (held, though the platform keeps it)"}));
+}
+
 TEST_F(StrictWorld, ACrashedProcessLeavesTheOthersAlone) {
   device.state.apps.push_back({"com.example.notes", "Notes"});
   booted();

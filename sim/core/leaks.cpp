@@ -1,4 +1,4 @@
-// Finds references of the library's own that it has lost.
+// Finds references of the library's own that it has lost, or never needed.
 #include <algorithm>
 #include <map>
 
@@ -25,6 +25,10 @@ std::vector<std::string> Process::leaks() {
     if (missing > 0)
       lost.push_back(heap_.at(address)->description() + " (" + std::to_string(missing) +
                      (missing == 1 ? " reference)" : " references)"));
+  // What the platform keeps for the life of the process nobody need hold on to.
+  for (const auto& [name, object] : shared_)
+    if (object && object->libraryReferences() > 0)
+      lost.push_back(object->description() + " (held, though the platform keeps it)");
   return lost;
 }
 
