@@ -4,7 +4,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 mapfile -t sources < <(find platform loader springboard apps ui welcome sim tests \
-  -name '*.cpp' -o -name '*.hpp' | sort)
+  -name '*.cpp' -o -name '*.hpp' -o -name '*.h' | sort)
 echo "${#sources[@]} files"
 clang-format-14 --dry-run --Werror "${sources[@]}"
 

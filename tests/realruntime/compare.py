@@ -1,0 +1,70 @@
+#!/usr/bin/env python3
+"""Plays scenarios on the simulated device and on the real runtime, and compares the traces.
+
+    compare.py SIM REAL LIBRARY FOLDER
+
+A scenario that holds on the simulated device and leaves the same trace here holds here too:
+expectations speak of the trace alone. Differences that are known stand in exceptions.txt, with the
+lines that differ; one that is not there any more is a mistake too.
+"""
+import collections
+import concurrent.futures
+import difflib
+import os
+import pathlib
+import subprocess
+import sys
+
+LONGEST = 600  # seconds, under valgrind
+SKIPPED = 3    # the exit status of what holds something that is left out
+
+
+def exceptions():
+    """From a scenario to the lines that differ."""
+    known = {}
+    for line in open(os.path.join(os.path.dirname(__file__), "exceptions.txt")):
+        if line.startswith("scenarios/"):
+            lines = known[line.strip()] = []
+        elif line[:3] in ("  -", "  +"):
+            lines.append(line[2:].rstrip("\n"))
+    return known
+
+
+def traced(command):
+    done = subprocess.run(command, capture_output=True, timeout=LONGEST)
+    return done.returncode, done.stdout.decode(errors="replace"), done.stderr.decode()
+
+
+def main(sim, real, library, folder):
+    known = exceptions()
+    scenarios = sorted(str(path) for path in pathlib.Path(folder).rglob("*.txt"))
+
+    def judge(scenario):
+        status, here, reason = traced([*real.split(), library, scenario])
+        if status == SKIPPED:
+            return "skipped for " + reason.strip(), []
+        held, there, why = traced([sim, "run", scenario])
+        found = list(difflib.unified_diff(there.splitlines(), here.splitlines(), lineterm="", n=0))
+        found = [line for line in found[2:] if not line.startswith("@@")]
+        if status != held:
+            found.append(f"exit status {status}, not {held}: {reason}{why}")
+        if not found and scenario in known:
+            return "different", ["an exception that is none any more"]
+        if not found:
+            return "equal", []
+        return ("excepted", []) if found == known.get(scenario) else ("different", found)
+
+    counts = collections.Counter()
+    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+        for scenario, (kind, found) in zip(scenarios, pool.map(judge, scenarios)):
+            counts[kind] += 1
+            if kind == "different":
+                print(scenario, *found, sep="\n  ")
+    played = sum(n for kind, n in counts.items() if not kind.startswith("skipped"))
+    print(f"{len(scenarios)} scenarios, {played} played:",
+          ", ".join(f"{n} {kind}" for kind, n in sorted(counts.items())))
+    return 1 if counts["different"] else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(*sys.argv[1:]))
