@@ -24,6 +24,7 @@ struct CommandLine {
   bool leaks = false;
   std::string image;
   std::string slice;  // the first that the image holds, if none is asked for
+  std::string real;
   guest::GuestDebugging debugging;
   std::vector<std::string> files;
   search::SearchOptions search;
@@ -56,15 +57,17 @@ std::unique_ptr<LibraryLoader> makeLoader(const CommandLine& line) {
   return std::make_unique<guest::GuestLibraryLoader>(line.image, slice, line.debugging);
 }
 
-// The host build, and with a device binary each of its slices.
-std::vector<explore::Build> makeBuilds(const std::string& image) {
+// The host build, with a device binary each of its slices, and the real runtime if asked for.
+std::vector<explore::Build> makeBuilds(const std::string& image, const std::string& real) {
   std::vector<explore::Build> builds = {{"host", makeHostLoader}};
+  if (!real.empty()) builds.push_back({"the real runtime", {}, real});
   if (image.empty()) return builds;
   for (const guest::Slice slice : guest::slicesOf(image))
     builds.push_back({slice == guest::Slice::arm64 ? "arm64" : "armv7", [image, slice] {
                         return std::make_unique<guest::GuestLibraryLoader>(image, slice);
                       }});
-  for (const auto& build : builds) build.make();  // what cannot be loaded is said at once
+  for (const auto& build : builds)
+    if (build.make) build.make();  // what cannot be loaded is said at once
   return builds;
 }
 
@@ -111,6 +114,7 @@ void addExploreOptions(CLI::App& command, CommandLine& line) {
   command.add_option("--seed", line.search.first, "of the first scenario; the next count up");
   addLimits(command, line);
   command.add_option("--image", line.image, "compare this device binary's slices too");
+  command.add_option("--real", line.real, "compare this program of the real runtime too");
 }
 
 std::string readOrThrow(const std::string& file) {
@@ -189,7 +193,9 @@ int main(int count, char** words) {
     if (*exploreCommand && line.search.minutes > 0 && exploreCommand->count("--count") == 0)
       line.search.count = 1000000000;
     if (*exploreCommand)
-      return explore::explore(makeBuilds(line.image), line.search, std::cout, std::cerr) ? 1 : 0;
+      return explore::explore(makeBuilds(line.image, line.real), line.search, std::cout, std::cerr)
+                 ? 1
+                 : 0;
     line.injecting.countGiven = injectCommand->count("--count") > 0;
     if (*injectCommand) return injectFaults(line);
     if (*benchCommand) {

@@ -247,6 +247,16 @@ TEST(Exploring, ShrinksAScenarioThatRunsDifferentlyOnTwoBuilds) {
   EXPECT_NE(progress.str().find("findings"), std::string::npos);
 }
 
+TEST(Exploring, FindsAProgramThatPrintsAnotherTrace) {
+  const std::vector<explore::Build> builds = {{"host", hostLoader}, {"echo", {}, "echo"}};
+  std::ostringstream found;
+  std::ostringstream progress;
+  search::SearchOptions options;
+  options.count = 1;
+  EXPECT_EQ(explore::explore(builds, options, found, progress), 1u);
+  EXPECT_NE(found.str().find("echo differs"), std::string::npos) << found.str();
+}
+
 // ---- Children
 
 TEST(Child, TellsWhatItDidAndHowItDied) {

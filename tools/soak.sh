@@ -12,6 +12,7 @@ seed=${SEED:-$(date +%s)}
 jobs=$(nproc)
 simulator=build/host/corvalen-sim
 image=build/host/device/proCorvalen.dylib
+real=build/realruntime/corvalen-real
 fuzzers=build/clang/tests
 tours=(--check-up scenarios/tours/check-up.txt scenarios/tours/ios*.txt)
 logs=$(mktemp -d)
@@ -69,10 +70,12 @@ search 'every fault alone, arm64' inject --image "$image" --slice arm64 --seed "
   --minutes "$(share 5)" "${tours[@]}"
 search 'every fault alone, armv7' inject --image "$image" --slice armv7 --seed "$seed" \
   --minutes "$(share 5)" "${tours[@]}"
-search 'faults in pairs' inject --pairs --seed "$seed" --minutes "$(share 25)" "${tours[@]}"
+search 'faults in pairs' inject --pairs --seed "$seed" --minutes "$(share 20)" "${tours[@]}"
 search 'random scenarios' explore --seed "$seed" --minutes "$(share 30)"
 search 'random scenarios, host and both slices alike' explore --seed "$((seed + 500000000))" \
   --image "$image" --minutes "$(share 15)"
+[ ! -x "$real" ] || search 'random scenarios, on the real runtime too' explore \
+  --seed "$((seed + 1000000000))" --real "$real" --minutes "$(share 5)"
 fuzz
 # However long it takes: what nobody would notice is a gap in all that is above.
 tried 'deliberate changes of the library' tools/mutants.py

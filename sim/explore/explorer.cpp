@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "sim/explore/playback.hpp"
+#include "sim/explore/real_runtime.hpp"
 #include "sim/search/child.hpp"
 #include "sim/search/shrink.hpp"
 
@@ -14,7 +15,11 @@ namespace {
 class Builds {
  public:
   explicit Builds(const std::vector<Build>& builds) {
-    for (const Build& build : builds) loaders_.push_back({build.name, build.make()});
+    for (const Build& build : builds)
+      if (build.program.empty())
+        loaders_.push_back({build.name, build.make()});
+      else
+        programs_.push_back({build.name, build.program});
   }
   LibraryLoader& first() { return *loaders_.front().second; }
 
@@ -29,6 +34,9 @@ class Builds {
                          again ? "a second run differs" : name + " differs",
                          {}};
     }
+    for (const auto& [name, program] : programs_)
+      if (const auto other = playedByProgram(program, lines); other && *other != trace)
+        return Violation{"every run gives the same trace", name + " differs", {}};
     return std::nullopt;
   }
   std::optional<Violation> judge(const Lines& lines) {
@@ -38,6 +46,7 @@ class Builds {
 
  private:
   std::vector<std::pair<std::string, std::unique_ptr<LibraryLoader>>> loaders_;
+  std::vector<std::pair<std::string, std::string>> programs_;
 };
 
 Violation died(const std::string& how) {

@@ -12,7 +12,8 @@ namespace sim::explore {
 // give the very same trace.
 struct Build {
   std::string name;
-  std::function<std::unique_ptr<LibraryLoader>()> make;
+  std::function<std::unique_ptr<LibraryLoader>()> make;  // none for a program
+  std::string program{};  // that plays a scenario file and prints the trace (real_runtime.hpp)
 };
 
 // Draws a scenario from each number and plays it. A finding is a scenario shrunk to the shortest

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Plays scenarios on the simulated device and on the real runtime, and compares the traces.
 
-    compare.py SIM REAL LIBRARY FOLDER
+    compare.py SIM REAL FOLDER-OR-SCENARIO...
 
 A scenario that holds on the simulated device and leaves the same trace here holds here too:
 expectations speak of the trace alone. Differences that are known stand in exceptions.txt, with the
@@ -35,18 +35,20 @@ def traced(command):
     return done.returncode, done.stdout.decode(errors="replace"), done.stderr.decode()
 
 
-def main(sim, real, library, folder):
+def main(sim, real, *places):
     known = exceptions()
-    scenarios = sorted(str(path) for path in pathlib.Path(folder).rglob("*.txt"))
+    paths = [path for place in map(pathlib.Path, places)
+             for path in ([place] if place.is_file() else sorted(place.rglob("*.txt")))]
+    scenarios = [str(path) for path in paths]
 
     def judge(scenario):
-        status, here, reason = traced([*real.split(), library, scenario])
+        status, here, reason = traced([*real.split(), scenario])
         if status == SKIPPED:
             return "skipped for " + reason.strip(), []
         held, there, why = traced([sim, "run", scenario])
         found = list(difflib.unified_diff(there.splitlines(), here.splitlines(), lineterm="", n=0))
         found = [line for line in found[2:] if not line.startswith("@@")]
-        if status != held:
+        if status != held or reason:
             found.append(f"exit status {status}, not {held}: {reason}{why}")
         if not found and scenario in known:
             return "different", ["an exception that is none any more"]

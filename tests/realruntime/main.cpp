@@ -2,13 +2,13 @@
 // trace that `corvalen-sim run` prints. Expectations are passed over: they speak of the trace
 // alone.
 //
-//     corvalen-real LIBRARY SCENARIO     (- for standard input)
+//     corvalen-real SCENARIO
 //
 // Exit status: 0 it was played; 2 a command could not be done as the device was; 3 it holds what
 // this program leaves out, which is said on standard error.
 #include <cmath>
 #include <cstdio>
-#include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <iostream>
@@ -235,17 +235,17 @@ int play(const std::string& library, std::istream& in) {
 }  // namespace real
 
 int main(int count, char** words) {
-  if (count != 3) {
-    std::cerr << "usage: corvalen-real LIBRARY SCENARIO\n";
+  if (count != 2) {
+    std::cerr << "usage: corvalen-real SCENARIO\n";
     return 2;
   }
   try {
-    if (!std::strcmp(words[2], "-")) return real::play(words[1], std::cin);
-    std::ifstream file(words[2]);
+    std::ifstream file(words[1]);
     if (!file) throw std::runtime_error("cannot be read");
-    return real::play(words[1], file);
+    const auto program = std::filesystem::read_symlink("/proc/self/exe");
+    return real::play(program.parent_path() / "proCorvalen.so", file);
   } catch (const std::exception& error) {
-    std::cerr << words[2] << ": " << error.what() << '\n';
+    std::cerr << words[1] << ": " << error.what() << '\n';
     return 2;
   }
 }

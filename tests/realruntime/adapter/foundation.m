@@ -188,8 +188,7 @@ static BOOL (*mediaCommand)(unsigned, id) = sendMediaCommand;
 BOOL mediaCommandEntry(unsigned command, id options) { return mediaCommand(command, options); }
 
 PROVIDE(void, MSHookFunction, (void* function, void* replacement, void** previous)) {
-  effect(@"MSHookFunction(%s)", function ? "MRMediaRemoteSendCommand" : "nil");
-  if (!function) return;
+  effect(@"MSHookFunction(MRMediaRemoteSendCommand)");
   if (function != mediaCommandEntry) [NSException raise:@"Hook" format:@"an unknown function"];
   *previous = mediaCommand;
   mediaCommand = replacement;

@@ -1,0 +1,56 @@
+#include "sim/explore/real_runtime.hpp"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <stdexcept>
+
+#include "sim/explore/playback.hpp"
+
+namespace sim::explore {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// GNUstep reads malformed property lists otherwise, and takes no address with a query behind a bare
+// host (docs/real-runtime.md).
+bool isKnownToDiffer(const std::string& line) {
+  return line.starts_with("prefs-file ") || line.starts_with("can-open twitter");
+}
+
+struct TemporaryFile {
+  fs::path path = fs::temp_directory_path() / "corvalen-drawn-XXXXXX";
+  explicit TemporaryFile(const std::string& text) {
+    std::string name = path.string();
+    const int file = mkstemp(name.data());
+    if (file < 0) throw std::runtime_error("cannot make " + name);
+    close(file);
+    path = name;
+    std::ofstream(path) << text;
+  }
+  ~TemporaryFile() { fs::remove(path); }
+};
+
+}  // namespace
+
+std::optional<std::string> playedByProgram(const std::string& program, const search::Lines& lines) {
+  if (std::ranges::any_of(lines, isKnownToDiffer)) return std::nullopt;
+  const TemporaryFile file(joined(lines));
+  const std::string command = program + " " + file.path.string() + " 2>&1";
+  const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
+  std::string printed;
+  char buffer[4096];
+  while (pipe) {
+    const std::size_t count = std::fread(buffer, 1, sizeof buffer, pipe.get());
+    if (count == 0) break;
+    printed.append(buffer, count);
+  }
+  return printed;
+}
+
+}  // namespace sim::explore
