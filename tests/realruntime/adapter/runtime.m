@@ -90,6 +90,7 @@ static Association* takeOut(id object, const void* key) {
 }
 
 PROVIDE(void, objc_setAssociatedObject, (id object, const void* key, id value, uintptr_t policy)) {
+  if (!object) [NSException raise:@"Association" format:@"with nil"];
   if (!associations) {
     associations =
         NSCreateMapTable(NSNonOwnedPointerMapKeyCallBacks, NSNonOwnedPointerMapValueCallBacks, 8);
