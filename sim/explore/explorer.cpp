@@ -23,6 +23,9 @@ class Builds {
   }
   LibraryLoader& first() { return *loaders_.front().second; }
 
+  // Whether all of them can play the line.
+  bool canPlay(const std::string& line) const { return programs_.empty() || programsPlay(line); }
+
   // What is wrong with the scenario, its trace on the first build being known.
   std::optional<Violation> compare(const Lines& lines, const std::string& trace) {
     for (auto& [name, loader] : loaders_) {
@@ -35,7 +38,7 @@ class Builds {
                          {}};
     }
     for (const auto& [name, program] : programs_)
-      if (const auto other = playedByProgram(program, lines); other && *other != trace)
+      if (playedByProgram(program, lines) != trace)
         return Violation{"every run gives the same trace", name + " differs", {}};
     return std::nullopt;
   }
@@ -90,7 +93,10 @@ Lines linesOf(const std::vector<Build>& builds, std::uint64_t seed) {
     search::expectEndWithin(search::kLongestPiece);
     Builds loaded(builds);
     Lines lines;
-    drawAndPlay(loaded.first(), seed, lines, [&](const Lines& drawn) { tell(joined(drawn)); });
+    drawAndPlay(loaded.first(), seed, lines, [&](const Lines& drawn) {
+      tell(joined(drawn));
+      return loaded.canPlay(drawn.back());
+    });
     tell(joined(lines));
   });
   return outcome.messages.empty() ? Lines{} : split(outcome.messages.back());
@@ -98,7 +104,9 @@ Lines linesOf(const std::vector<Build>& builds, std::uint64_t seed) {
 
 search::Examined examine(const std::vector<Build>& builds, Builds& loaded, std::uint64_t seed) {
   Lines lines;
-  const Playback playback = drawAndPlay(loaded.first(), seed, lines);
+  const Playback playback = drawAndPlay(loaded.first(), seed, lines, [&](const Lines& drawn) {
+    return loaded.canPlay(drawn.back());
+  });
   auto violation = playback.violation;
   if (!violation) violation = loaded.compare(lines, playback.trace);
   if (!violation) return {std::nullopt, lines.size()};

@@ -56,7 +56,7 @@ Playback play(LibraryLoader& loader, const Lines& lines, OutOfPlace outOfPlace) 
 }
 
 Playback drawAndPlay(LibraryLoader& loader, std::uint64_t seed, Lines& lines,
-                     const std::function<void(const Lines&)>& drawn) {
+                     const std::function<bool(const Lines&)>& drawn) {
   constexpr std::size_t kFewest = 20;
   constexpr std::size_t kMost = 90;
   Random random(seed);
@@ -64,7 +64,10 @@ Playback drawAndPlay(LibraryLoader& loader, std::uint64_t seed, Lines& lines,
   Playback playback;
   const auto add = [&](const std::string& line) {
     lines.push_back(line);
-    drawn(lines);
+    if (!drawn(lines)) {
+      lines.pop_back();
+      return true;
+    }
     try {
       playback.violation = stage.play(line);
       if (!playback.violation) ++playback.line;

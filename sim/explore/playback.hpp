@@ -23,10 +23,11 @@ enum class OutOfPlace : std::uint8_t { Ends, LeftOut };
 Playback play(LibraryLoader& loader, const Lines& lines, OutOfPlace outOfPlace = OutOfPlace::Ends);
 
 // Draws a scenario into `lines` as it plays it: commands that the device is in no state for are
-// left out. `drawn` is told of the lines before the last of them is played.
+// left out. `drawn` is told of the lines before the last of them is played, and answers whether it
+// is: else it is left out too.
 Playback drawAndPlay(
     LibraryLoader& loader, std::uint64_t seed, Lines& lines,
-    const std::function<void(const Lines&)>& drawn = [](const Lines&) {});
+    const std::function<bool(const Lines&)>& drawn = [](const Lines&) { return true; });
 
 Lines split(const std::string& text);
 std::string joined(const Lines& lines);

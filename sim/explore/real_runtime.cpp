@@ -8,6 +8,7 @@
 #include <fstream>
 #include <memory>
 #include <stdexcept>
+#include <string_view>
 
 #include "sim/explore/playback.hpp"
 
@@ -16,12 +17,6 @@ namespace sim::explore {
 namespace fs = std::filesystem;
 
 namespace {
-
-// GNUstep reads malformed property lists otherwise, and takes no address with a query behind a bare
-// host (docs/real-runtime.md).
-bool isKnownToDiffer(const std::string& line) {
-  return line.starts_with("prefs-file ") || line.starts_with("can-open twitter");
-}
 
 struct TemporaryFile {
   fs::path path = fs::temp_directory_path() / "corvalen-drawn-XXXXXX";
@@ -38,8 +33,18 @@ struct TemporaryFile {
 
 }  // namespace
 
-std::optional<std::string> playedByProgram(const std::string& program, const search::Lines& lines) {
-  if (std::ranges::any_of(lines, isKnownToDiffer)) return std::nullopt;
+bool programsPlay(const std::string& line) {
+  // GNUstep reads malformed property lists otherwise, and takes no address with a query behind a
+  // bare host; the rest is left out there (docs/real-runtime.md).
+  static constexpr std::string_view kNot[] = {
+      "prefs-file ", "can-open twitter", "framework ", "selectors ", "no-method ", "daemon ",
+      "arguments ",  "neighbour ",       "category ",  "app-alert",  "app-timer",  "during "};
+  const auto begins = [&](std::string_view start) { return line.starts_with(start); };
+  if (std::ranges::any_of(kNot, begins)) return false;
+  return !begins("player ") || line.ends_with("never") || line.find(" after ") != line.npos;
+}
+
+std::string playedByProgram(const std::string& program, const search::Lines& lines) {
   const TemporaryFile file(joined(lines));
   const std::string command = program + " " + file.path.string() + " 2>&1";
   const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);

@@ -47,8 +47,9 @@ App& installed(const std::string& app) {
 
 // ---- Setting the device up
 
-void install(const Line& line) {
+void install(Host& host, const Line& line) {
   App* app = installedApp(line.word(1).c_str());
+  if (app && host.runs(kSpringBoard)) host.tell(kSpringBoard, {"drop-application", line.word(1)});
   if (!app && device->appCount == kMostApps) throw std::runtime_error("too many apps");
   if (!app) app = &device->apps[device->appCount++];
   copyText(app->identifier, line.word(1));
@@ -122,7 +123,7 @@ Action setting(Work work) {
 const std::map<std::string, Action>& setUpCommands() {
   static const std::map<std::string, Action> all = {
       {"version", setting([](auto& l) { device->version = std::stod(l.word(1)); })},
-      {"app", setting(install)},
+      {"app", doing(install)},
       {"unlist", setting([](auto& l) { installed(l.word(1)).listed = false; })},
       {"no-class", setting([](auto& l) { addToList(device->missing, l.word(1)); })},
       {"addon", doing(addAddOn)},
@@ -216,7 +217,8 @@ std::vector<Line> read(std::istream& in) {
 int play(const std::string& library, std::istream& in) {
   const std::vector<Line> lines = read(in);
   for (const Line& line : lines) {
-    if (action(line.word(0))) continue;
+    const bool aMood = line.is(0, "player") && !line.is(2, "after") && !line.is(2, "never");
+    if (action(line.word(0)) && !aMood) continue;
     std::cerr << "the command " << line.word(0) << '\n';
     return 3;
   }

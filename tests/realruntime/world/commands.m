@@ -69,6 +69,7 @@ static id iconOf(NSString* className, NSString* identifier) {
   [shared(@"SBMediaController") setNowPlayingInfo:IS(1, "yes") ? [NSDictionary dictionary] : nil];
 }
 + (void)process_launched:(NSArray*)w { [applicationObject(TEXT(1)) processDidLaunch:nil]; }
++ (void)drop_application:(NSArray*)w { dropApplicationObject(TEXT(1)); }
 + (void)quit_card:(NSArray*)w {
   NSString* const model = @"SBAppSwitcherModel";
   if (device->version < 900.0)

@@ -87,12 +87,16 @@ CLASS(SpringBoard, UIApplication)
 - (void)resumeForContentAvailable { CALL(); }
 @end
 
+static NSMutableDictionary* applicationObjects;
+void dropApplicationObject(const char* identifier) {
+  [applicationObjects removeObjectForKey:[NSString stringWithUTF8String:identifier]];
+}
+
 id applicationObject(const char* identifier) {
-  static NSMutableDictionary* all;
   if (!classIsHere("SBApplication")) return nil;
-  if (!all) all = [NSMutableDictionary new];
+  if (!applicationObjects) applicationObjects = [NSMutableDictionary new];
   NSString* key = [NSString stringWithUTF8String:identifier];
-  SBApplication* known = [all objectForKey:key];
+  SBApplication* known = [applicationObjects objectForKey:key];
   if (known) return known;
   SBApplication* made = [[SBApplication new] autorelease];
   made->identifier = [key copy];
@@ -101,7 +105,7 @@ id applicationObject(const char* identifier) {
     made->scene->owner = made->identifier;
     made->scene->settings = [fresh(@"FBSMutableSceneSettings") retain];
   }
-  [all setObject:made forKey:key];
+  [applicationObjects setObject:made forKey:key];
   return made;
 }
 

@@ -45,8 +45,9 @@ id fresh(NSString* className);
 - (void)press:(NSInteger)button;  // of an alert
 @end
 
-id applicationObject(const char* identifier);  // SpringBoard's, of an app
-id topAlert(void);                             // nil if none is up
+id applicationObject(const char* identifier);  // SpringBoard's, of an app, until it is dropped
+void dropApplicationObject(const char* identifier);
+id topAlert(void);  // nil if none is up
 // An app's own start-up, when its process comes up; and another of Spotify's controllers.
 void startApp(const char* identifier);
 void makePlaybackController(void);
