@@ -1,5 +1,6 @@
 // What GNUstep's Foundation is made to do otherwise: the clock is the device's, paths lead into
 // the device's folder, property lists are read as the platform reads them, and effects are traced.
+#include <string.h>
 #include <sys/syscall.h>
 #include <sys/time.h>
 #include <time.h>
@@ -104,15 +105,16 @@ static NSString* hostPath(NSString* path) {
 
 static IMP readBefore, writeBefore, existsBefore;
 
-// GNUstep reads text only here; the platform any property list.
+// GNUstep reads texts only here; the platform the binary form too.
 static id readFile(NSDictionary* self, SEL name, NSString* path) {
-  if (hostPath(path) == path) return ((id(*)(id, SEL, id))readBefore)(self, name, path);
-  effect(@"-[NSMutableDictionary initWithContentsOfFile:%@]", quoted(path));
-  NSData* data = [NSData dataWithContentsOfFile:hostPath(path)];
+  NSData* data = hostPath(path) == path ? nil : [NSData dataWithContentsOfFile:hostPath(path)];
+  if (hostPath(path) != path)
+    effect(@"-[NSMutableDictionary initWithContentsOfFile:%@]", quoted(path));
+  if ([data length] < 6 || memcmp([data bytes], "bplist", 6))
+    return ((id(*)(id, SEL, id))readBefore)(self, name, hostPath(path));
   id content = nil;
   @try {
-    if (data)
-      content = [NSPropertyListSerialization propertyListWithData:data
+    content = [NSPropertyListSerialization propertyListWithData:data
                                                           options:NSPropertyListImmutable
                                                            format:NULL
                                                             error:NULL];
