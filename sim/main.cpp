@@ -22,6 +22,7 @@ struct CommandLine {
   std::string format = "text";
   std::string calls = "effects";
   bool leaks = false;
+  bool failFast = false;
   std::string image;
   std::string slice;  // the first that the image holds, if none is asked for
   std::string real;
@@ -96,6 +97,7 @@ int run(const CommandLine& line) {
       std::cerr << file << ": cannot be read\n";
     std::cout.flush();
     worst = std::max(worst, static_cast<int>(status));
+    if (line.failFast && worst != 0) break;
   }
   return worst;
 }
@@ -166,6 +168,7 @@ int main(int count, char** words) {
   CommandLine line;
   CLI::App* runCommand = app.add_subcommand("run", "play scenarios, each on a fresh device");
   addOptions(*runCommand, line);
+  runCommand->add_flag("--fail-fast", line.failFast, "stop after the first scenario that fails");
   runCommand->add_option("SCENARIO", line.files, "files, or - for standard input")->required();
   CLI::App* shellCommand = app.add_subcommand("shell", "type the same commands one at a time");
   addOptions(*shellCommand, line);

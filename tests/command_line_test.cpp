@@ -49,6 +49,13 @@ TEST(CommandLine, AFailedExpectationIsStatusOneAndShowsWhatCameInstead) {
             std::string::npos);
 }
 
+TEST(CommandLine, FailFastPlaysNoScenarioBehindOneThatFails) {
+  const std::string input = "expect nothing-like-it\n";
+  EXPECT_EQ(run("run - /missing", input).status, 2);
+  EXPECT_EQ(run("run --fail-fast - /missing", input).status, 1);
+  EXPECT_EQ(run("run --fail-fast - /missing", "expect-nothing\n").status, 2);
+}
+
 TEST(CommandLine, AMistakeIsStatusTwoAndNothingRuns) {
   const Finished result = run("run -", "boot\nfly\n");
   EXPECT_EQ(result.status, 2);

@@ -221,7 +221,7 @@ class Build:
             filter(None, (self.failed_test(library, folder, *stage) for stage in stages)), None)
 
     def failed_scenario(self, library, folder):
-        run = [str(self.simulator), "run", "--leaks", "--format", "json"]
+        run = [str(self.simulator), "run", "--leaks", "--fail-fast"]
         status, said = play([*run, *self.scenarios], library, folder, self.seconds)
         if status == 0:
             return None
