@@ -7,6 +7,10 @@ namespace sim::explore {
 
 namespace {
 
+const std::string kPlaybackControllerInit =
+    "SPTNowPlayingPlaybackController initWithPlayer:trackPosition:radioThumbsStateManager:"
+    "adsManager:trackMetadataQueue:";
+
 // Any other method is one that every supported version answers: without it no process could go on.
 const std::vector<std::string> kDispensable = {
     // Hooked
@@ -28,8 +32,7 @@ const std::vector<std::string> kDispensable = {
     "SBApplication processDidLaunch:",
     "AuxoCollectionView activateApplicationWithDisplayIdentifier:fromCell:",
     "MPMiniPlayerActionsDelegate openNowPlayingApp",
-    "SPTNowPlayingPlaybackController initWithPlayer:trackPosition:radioThumbsStateManager:"
-    "adsManager:trackMetadataQueue:",
+    kPlaybackControllerInit,
     "SpotifyAppDelegate application:didFinishLaunchingWithOptions:",
     "MTAppDelegate application:willFinishLaunchingWithOptions:",
     "MTAppDelegate_iOS application:willFinishLaunchingWithOptions:",
