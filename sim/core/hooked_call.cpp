@@ -39,6 +39,13 @@ std::string shown(Process& process, const Value& value) {
 
 Address addressOf(const Object* object) { return object ? object->address : 0; }
 
+// As much of a value as a method of that type takes.
+std::uint64_t taken(Kind kind, std::uint64_t bits) {
+  if (kind == Kind::UInt32) return static_cast<std::uint32_t>(bits);
+  if (kind == Kind::Int32) return static_cast<std::uint64_t>(static_cast<std::int32_t>(bits));
+  return bits;
+}
+
 }  // namespace
 
 HookedCall::HookedCall(const NativeCode& platform, const Invocation& call)
@@ -59,7 +66,7 @@ void HookedCall::reach(const Invocation& call) {
     throw Fault(name_ + " reached the platform's own implementation with another receiver");
   if (call.name == kMayShowAnotherName) return;
   for (std::size_t i = 0; i < passed_.size(); ++i)
-    if (call.arguments.at(i).bits != passed_[i].bits)
+    if (call.arguments.at(i).bits != taken(platform_.signature.arguments.at(i), passed_[i].bits))
       throw Fault(
           fmt::format("{} was called with {} {}, but reached the platform's own "
                       "implementation with {}",
