@@ -74,7 +74,9 @@ ClassDefinition defineDelegate(const std::string& name) {
   definition
       .code(detail::methodCode<Object, bool, Object*, Object*>(
           "application:willFinishLaunchingWithOptions:",
-          [](Object&, Object*, Object*) { return true; }))
+          [](Object& self, Object*, Object*) {
+            return !self.process.device.state.tellingArguments;
+          }))
       .effect();
   return definition;
 }
