@@ -73,7 +73,8 @@ TEST(CommandLine, WhatCannotBeDoneStopsTheScenarioAfterItsEcho) {
 TEST(CommandLine, ExploringSaysWhatItTriedAndThatNothingWasFound) {
   const Finished result = run("explore --seed 3 --count 4 --jobs 2");
   EXPECT_EQ(result.status, 0) << result.output;
-  EXPECT_TRUE(result.output.starts_with("4 scenarios, ")) << result.output;
+  // Behind lines of progress, where the machine is slow.
+  EXPECT_NE(result.output.find("4 scenarios, "), std::string::npos) << result.output;
   EXPECT_NE(result.output.find(" commands, 0 findings, "), std::string::npos) << result.output;
 }
 
