@@ -15,7 +15,7 @@ cp "$here/CydiaIcon.png" .
 # Debian's own Python, which has the Debian packages.
 /usr/bin/python3 "$here/make_pages.py" .
 
-dpkg-scanpackages --multiversion debs 2>/dev/null >Packages
+dpkg-scanpackages --multiversion debs >Packages
 # What the phones' apt reads; it knows no xz.
 gzip -9kfn Packages
 bzip2 -9kf Packages

@@ -86,6 +86,14 @@ class Contents(Packed):
     def test_is_as_old_phones_and_we_want_it(self):
         self.assertEqual(self.problems(packed.make_deb(self.folder)), '')
 
+    def test_belongs_to_root_whoever_builds_it(self):
+        stage = self.folder / 'stage'
+        stage.mkdir()
+        if os.getuid() == 0:  # then at least the group is another
+            os.chown(stage, 0, 501)
+            stage.chmod(0o2755)
+        self.assertEqual(self.problems(packed.make_deb(self.folder, TMPDIR=str(stage))), '')
+
     def test_holds_the_library_its_filter_and_the_page(self):
         root = self.extracted()
         files = sorted(str(p.relative_to(root)) for p in root.rglob('*') if p.is_file())

@@ -179,6 +179,11 @@ class Files(unittest.TestCase):
         self.assertEqual(gzip.decompress((REPOSITORY / 'Packages.gz').read_bytes()), plain)
         self.assertEqual(bz2.decompress((REPOSITORY / 'Packages.bz2').read_bytes()), plain)
 
+    def test_no_time_is_that_of_the_build(self):
+        self.assertIn('Date: Thu, 01 Jan 2015 00:00:00 +0000\n', (REPOSITORY / 'Release').read_text())
+        flags, seconds = struct.unpack_from('<BI', (REPOSITORY / 'Packages.gz').read_bytes(), 3)
+        self.assertEqual((flags, seconds), (0, 0))
+
     def test_release_tells_cydia_whose_it_is(self):
         text = (REPOSITORY / 'Release').read_text()
         for field in ('Origin: Corvalen Pro', 'Label: Corvalen Pro', 'Suite: stable', 'Codename: ios',
