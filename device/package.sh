@@ -23,6 +23,8 @@ echo "Building the library for arm64 and armv7 …"
 python3 "$device/tools/check_image.py" "$out/device/proCorvalen.dylib"
 python3 "$device/package/make_settings_pane.py" "$out/device/CorvalenPro.plist"
 
+# Only one is left to copy to a device: no other version, no part of earlier times.
+rm -f "$out"/com.qvethmar.corvalenpro*.deb
 package=$(python3 "$device/package/make_deb.py" "$out/device" "$out")
 python3 "$device/tools/check_package.py" "$package"
 dpkg-deb -c "$package"
