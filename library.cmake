@@ -2,6 +2,7 @@
 set(CORVALEN_LIBRARY_SOURCES
   loader/constructor.cpp
   loader/installer.cpp
+  loader/settings_file.cpp
   loader/preferences.cpp
   springboard/session.cpp
   springboard/launcher.cpp

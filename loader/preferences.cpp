@@ -6,7 +6,6 @@ namespace corvalen::preferences {
 
 using platform::NSDictionary;
 using platform::NSNumber;
-using platform::NSObject;
 using platform::Retained;
 
 constinit NSMutableDictionary preferencesDictionary{};
@@ -31,13 +30,6 @@ Retained<NSMutableDictionary> defaults() {
 
 }  // namespace
 
-NSString path() {
-  return NSString::stringWithFormat("/var/mobile/Library/Preferences/%@.plist"_ns,
-                                    "com.qvethmar.corvalenpro"_ns);
-}
-
-Retained<NSMutableDictionary> read() { return NSMutableDictionary::withContentsOfFile(path()); }
-
 void loadPreferences() {
   if (preferencesDictionary) {
     objc_release(preferencesDictionary.raw);
@@ -51,21 +43,6 @@ void loadPreferences() {
     preferencesDictionary.writeToFile(path(), true);
   }
   springboard::refreshTitleViews();
-}
-
-bool asBoolean(Object object) {
-  if (!platform::as<NSObject>(object).respondsTo(platform::selector<"boolValue">())) return false;
-  return platform::send<"boolValue", bool>(object);
-}
-
-// Asked by class: data has a length too, but is no text.
-NSString asText(Object object) {
-  const bool isText = platform::as<NSObject>(object).isKindOfClass(NSString::cls());
-  return isText ? platform::as<NSString>(object) : NSString{};
-}
-
-bool boolean(NSDictionary dictionary, NSString key) {
-  return asBoolean(dictionary.objectForKey(key));
 }
 
 bool boolean(NSString key) { return boolean(preferencesDictionary, key); }
