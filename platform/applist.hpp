@@ -10,8 +10,23 @@ struct ALApplicationList : Object {
   static ALApplicationList sharedApplicationList(ClassObject cls) {
     return send<"sharedApplicationList", ALApplicationList>(cls);
   }
-  // Display names by bundle identifier.
+  // Where AppList is not loaded by itself.
+  static constexpr const char* kLibrary = "/usr/lib/libapplist.dylib";
+
+  // Display names by bundle identifier; outside of SpringBoard nil if that does not answer.
   NSDictionary applications() const { return send<"applications", NSDictionary>(*this); }
+  // The bundle identifiers of the apps that the home screen shows, by their names. Autoreleased;
+  // nil as above.
+  NSArray identifiersSortedByTitle() const {
+    NSArray sorted;
+    send<"applicationsFilteredUsingPredicate:onlyVisible:titleSortedIdentifiers:", Object>(
+        *this, Object{}, true, &sorted.raw);
+    return sorted;
+  }
+  // Waits for SpringBoard unless it is known already; may be nil. Borrowed.
+  Object iconOfSize(NSUInteger points, NSString identifier) const {
+    return send<"iconOfSize:forDisplayIdentifier:", Object>(*this, points, identifier);
+  }
 };
 
 }  // namespace platform

@@ -45,6 +45,13 @@ Class objc_allocateClassPair(Class superclass, const char* name, size_t extraByt
     PLATFORM_SYMBOL(objc_allocateClassPair);
 void objc_registerClassPair(Class cls) PLATFORM_SYMBOL(objc_registerClassPair);
 
+// An instance variable by its name, searched up the chain; null if there is none. Its place is so
+// many bytes behind the object's start.
+struct objc_ivar;
+objc_ivar* class_getInstanceVariable(Class cls, const char* name)
+    PLATFORM_SYMBOL(class_getInstanceVariable);
+ptrdiff_t ivar_getOffset(objc_ivar* variable) PLATFORM_SYMBOL(ivar_getOffset);
+
 // Associates `value` with `object` under `key` (compared by address), by one of the policies of
 // platform/object.hpp. A null value removes the association.
 void objc_setAssociatedObject(id object, const void* key, id value, uintptr_t policy)
@@ -112,6 +119,12 @@ void CFNotificationCenterAddObserver(CFNotificationCenterRef center, const void*
 // A mutable array, owned by the caller. Null callbacks neither retain nor release the elements.
 id CFArrayCreateMutable(CFTypeRef allocator, CFIndex capacity, const void* callbacks)
     PLATFORM_SYMBOL(CFArrayCreateMutable);
+// Sets a value of the domain `application`, for the current user on any host; null removes it.
+void CFPreferencesSetAppValue(CFStringRef key, CFTypeRef value, CFStringRef application)
+    PLATFORM_SYMBOL(CFPreferencesSetAppValue);
+// Sends what was set to where the domain is kept. True says nothing about the domain's file.
+Boolean CFPreferencesAppSynchronize(CFStringRef application)
+    PLATFORM_SYMBOL(CFPreferencesAppSynchronize);
 // Releases a CoreFoundation object that is not null.
 void CFRelease(CFTypeRef object) PLATFORM_SYMBOL(CFRelease);
 

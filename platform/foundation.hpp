@@ -88,6 +88,10 @@ struct NSArray : Object {
 // Elements are compared by isEqual: for removal; null callbacks at creation make it hold them
 // without a reference.
 struct NSMutableArray : NSArray {
+  static Retained<NSMutableArray> make() {
+    return Retained<NSMutableArray>::adopt(
+        send<"new", NSMutableArray>(classNamed<"NSMutableArray">()));
+  }
   void addObject(Object element) const { send<"addObject:">(*this, element); }
   void removeObject(Object element) const { send<"removeObject:">(*this, element); }
 };
@@ -130,6 +134,9 @@ struct NSDictionary : Object {
 struct NSMutableDictionary : NSDictionary {
   static ClassObject cls() { return classNamed<"NSMutableDictionary">(); }
 
+  static Retained<NSMutableDictionary> make() {
+    return Retained<NSMutableDictionary>::adopt(send<"new", NSMutableDictionary>(cls()));
+  }
   // The property list at `path`; nothing if it cannot be read or is no dictionary.
   static Retained<NSMutableDictionary> withContentsOfFile(NSString path) {
     const Object fresh = send<"alloc", Object>(cls());
@@ -162,6 +169,26 @@ struct NSBundle : Object {
   NSString bundleIdentifier() const {  // borrowed; nil for processes without a bundle
     return send<"bundleIdentifier", NSString>(*this);
   }
+  static NSBundle bundleWithPath(NSString path) {  // autoreleased; nil if there is none
+    return send<"bundleWithPath:", NSBundle>(classNamed<"NSBundle">(), path);
+  }
+  // The text in the user's language, or `text` itself if it has none there. `table` is the name of
+  // a .strings file. Autoreleased.
+  NSString localized(NSString text, NSString table) const {
+    return send<"localizedStringForKey:value:table:", NSString>(*this, text, text, table);
+  }
+  Object infoValue(NSString key) const {  // of its Info.plist; borrowed
+    return send<"objectForInfoDictionaryKey:", Object>(*this, key);
+  }
+};
+
+struct NSPredicate : Object {
+  // Replaces "%@" in `format` by the argument. Autoreleased.
+  static NSPredicate withFormat(NSString format, Object argument) {
+    return sendVariadic<"predicateWithFormat:", NSPredicate>(classNamed<"NSPredicate">(), format,
+                                                             argument);
+  }
+  bool accepts(Object object) const { return send<"evaluateWithObject:", bool>(*this, object); }
 };
 
 struct NSTimer : Object {

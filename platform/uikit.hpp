@@ -42,4 +42,44 @@ struct UIAlertView : Object {
 };
 inline constexpr NSInteger kDefaultAlertStyle = 0;
 
+struct UIBarButtonItem : Object {
+  // Sends `action` to `target`, which is not retained.
+  static Retained<UIBarButtonItem> make(NSString title, Object target, SEL action) {
+    constexpr NSInteger kPlain = 0;
+    const Object fresh = send<"alloc", Object>(classNamed<"UIBarButtonItem">());
+    return Retained<UIBarButtonItem>::adopt(
+        send<"initWithTitle:style:target:action:", UIBarButtonItem>(fresh, title, kPlain, target,
+                                                                    action));
+  }
+};
+
+struct UINavigationItem : Object {
+  void setRightBarButtonItem(UIBarButtonItem item) const {  // retained
+    send<"setRightBarButtonItem:">(*this, item);
+  }
+};
+
+struct UISearchBar : Object {
+  static Retained<UISearchBar> make() {
+    return Retained<UISearchBar>::adopt(send<"new", UISearchBar>(classNamed<"UISearchBar">()));
+  }
+  void setDelegate(Object delegate) const { send<"setDelegate:">(*this, delegate); }  // borrowed
+  void sizeToFit() const { send<"sizeToFit">(*this); }
+  void resignFirstResponder() const { send<"resignFirstResponder">(*this); }
+};
+
+struct UITableView : Object {
+  void setTableHeaderView(Object view) const { send<"setTableHeaderView:">(*this, view); }
+  void deselectRow(Object indexPath, bool animated) const {
+    send<"deselectRowAtIndexPath:animated:">(*this, indexPath, animated);
+  }
+};
+
+struct UITableViewCell : Object {
+  enum class Accessory : NSInteger { none = 0, checkmark = 3 };
+  void setAccessory(Accessory accessory) const {
+    send<"setAccessoryType:">(*this, static_cast<NSInteger>(accessory));
+  }
+};
+
 }  // namespace platform

@@ -1,5 +1,7 @@
 #include "sim/core/class.hpp"
 
+#include <algorithm>
+
 #include "sim/core/process.hpp"
 
 namespace sim {
@@ -58,5 +60,18 @@ Address Library::readPointer(Address from) const {
 }
 
 void Library::writePointer(Address to, Address value) { write(to, &value, pointerSize()); }
+
+std::size_t Class::instanceSize() const {
+  const std::size_t inherited = superclass ? superclass->instanceSize() : 0;
+  if (variables.empty()) return inherited;
+  return (inherited ? inherited : 1) + variables.size();
+}
+
+std::optional<std::size_t> Class::variableIndex(const std::string& wanted) const {
+  const auto found = std::ranges::find(variables, wanted);
+  if (found == variables.end())
+    return superclass ? superclass->variableIndex(wanted) : std::nullopt;
+  return instanceSize() - variables.size() + static_cast<std::size_t>(found - variables.begin());
+}
 
 }  // namespace sim

@@ -87,6 +87,10 @@ class Class final : public Object {
   // Only the class's own.
   Method* own(const std::string& selector);
   bool inherits(const Class& ancestor) const;
+  // Its instance variables that others reach by their place, inherited ones first: how many words
+  // an object has (0: none that anybody could reach), and which one is of that name.
+  std::size_t instanceSize() const;
+  std::optional<std::size_t> variableIndex(const std::string& name) const;
 
   std::string name;
   Class* superclass;
@@ -94,6 +98,7 @@ class Class final : public Object {
   Class* instances = nullptr;  // of a metaclass: the class whose class methods it holds
   Factory factory{};           // makes an instance; inherited
   std::map<std::string, Method> methods;
+  std::vector<std::string> variables;             // its own, a word each, behind the class
   std::map<std::string, std::string> properties;  // name -> attributes
   bool mainThreadOnly = false;                    // it and its objects take messages there alone
   std::set<std::string> denied;                   // not even inherited

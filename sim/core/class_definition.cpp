@@ -34,6 +34,11 @@ ClassDefinition& ClassDefinition::classOn(Versions versions) {
   return *this;
 }
 
+ClassDefinition& ClassDefinition::variables(std::vector<std::string> names) {
+  variables_ = std::move(names);
+  return *this;
+}
+
 ClassDefinition& ClassDefinition::partOf(Framework framework) {
   framework_ = framework;
   return *this;
@@ -79,6 +84,7 @@ void ClassDefinition::install(Process& process) const {
   Class* superclass = superclass_.empty() ? nullptr : &process.requireClass(superclass_);
   Class& cls = process.createClass(name_, superclass);
   if (factory_) cls.factory = factory_;
+  cls.variables = variables_;
   cls.mainThreadOnly = cls.isa->mainThreadOnly = mainThreadOnly_;
   for (const Row& row : rows_) {
     if (!row.addOn.empty() && !process.addOns.contains(row.addOn)) continue;

@@ -68,6 +68,8 @@ class ClassDefinition {
 
   // The whole class is one of these versions.
   ClassDefinition& classOn(Versions versions);
+  // Instance variables that others reach by their place in its objects, a pointer each.
+  ClassDefinition& variables(std::vector<std::string> names);
   // The framework that the class comes with.
   ClassDefinition& partOf(Framework framework);
 
@@ -100,6 +102,7 @@ class ClassDefinition {
   Versions versions_{};
   Framework framework_ = Framework::Always;
   Class::Factory factory_{};
+  std::vector<std::string> variables_{};
   std::vector<Row> rows_;
   NativeCode* last_ = nullptr;
   bool mainThreadOnly_;

@@ -26,6 +26,7 @@ constexpr FrameworkImage kImages[] = {
      "/System/Library/PrivateFrameworks/TelephonyUtilities.framework/TelephonyUtilities"},
     {Framework::Celestial, "Celestial",
      "/System/Library/PrivateFrameworks/Celestial.framework/Celestial"},
+    {Framework::AppList, "AppList", "/usr/lib/libapplist.dylib"},
 };
 
 }  // namespace

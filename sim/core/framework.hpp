@@ -23,6 +23,7 @@ enum class Framework : std::uint8_t {
   SystemConfiguration,
   TelephonyUtilities,
   Celestial,
+  AppList,  // no framework, but a library that is found the same way
 };
 
 enum class Presence : std::uint8_t {
@@ -49,7 +50,7 @@ class Frameworks {
   static std::size_t index(Framework framework) { return static_cast<std::size_t>(framework); }
 
   // SpringBoard does without accounts until somebody asks for them.
-  std::array<Presence, 9> all_{Presence::Loaded, Presence::Late, Presence::Late};
+  std::array<Presence, 10> all_{Presence::Loaded, Presence::Late, Presence::Late};
 };
 
 // Handles, as dlopen answers them.

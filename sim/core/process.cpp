@@ -16,6 +16,7 @@ Process::Process(Device& device, std::string identifier, Program program)
       neighbour(device.state.neighbour),
       frameworks_(device.state.frameworks) {
   if (isDaemon && has(Framework::UIKit)) frameworks_[Framework::UIKit] = Presence::Late;
+  if (!isSpringBoard() && has(Framework::AppList)) frameworks_[Framework::AppList] = Presence::Late;
   pools_.emplace_back();  // for what happens outside of any callback
   installClasses();
   installFunctions();
@@ -97,7 +98,8 @@ void Process::adopt(Object* object, Class& isa, Address address) {
 Ref<Object> Process::allocateInstance(Class& cls) {
   if (!cls.factory) throw Fault("+[" + cls.name + " alloc] is not for this class");
   Object* object = cls.factory(*this);
-  adopt(object, cls);
+  const std::size_t size = cls.instanceSize();
+  adopt(object, cls, size ? library_->allocate(size * library_->pointerSize()) : 0);
   return Ref<Object>(object);
 }
 
@@ -125,6 +127,7 @@ void Process::destroy(Object& object) {
   object.dropAssociations();
   heap_.erase(object.address);
   freed_[object.address] = object.isa->name;
+  if (object.isa->instanceSize()) library_->deallocate(object.address);
   delete &object;
 }
 

@@ -82,6 +82,19 @@ void registerClassPair(Process& process, Class* cls) {
   process.registerClass(*cls);
 }
 
+// A handle that nobody looks into: it says how far behind an object's start the variable is.
+constexpr Address kFirstVariable = 0x41000000;
+
+Pointer instanceVariable(Process& process, Class* cls, std::string name) {
+  const auto index = cls ? cls->variableIndex(name) : std::nullopt;
+  return {index ? kFirstVariable + *index * process.library().pointerSize() : 0};
+}
+
+long variableOffset(Process&, Pointer variable) {
+  if (!variable.address) throw Fault("ivar_getOffset of no variable");
+  return static_cast<long>(variable.address - kFirstVariable);
+}
+
 void setAssociated(Process&, Object* object, Pointer key, Object* value, unsigned long policy) {
   if (!object) {
     if (value) throw Fault("objc_setAssociatedObject on nil");
@@ -130,6 +143,8 @@ Functions runtimeFunctions() {
       bindFunction("class_addProperty", &addProperty),
       bindFunction("objc_allocateClassPair", &allocateClassPair),
       bindFunction("objc_registerClassPair", &registerClassPair),
+      bindFunction("class_getInstanceVariable", &instanceVariable),
+      bindFunction("ivar_getOffset", &variableOffset),
       bindFunction("objc_setAssociatedObject", &setAssociated),
       bindFunction("objc_getAssociatedObject", &getAssociated),
       bindFunction("objc_enumerationMutation", &enumerationMutation),
