@@ -37,16 +37,20 @@ struct CommandLine {
   }
 };
 
+std::filesystem::path programFolder() {
+  return std::filesystem::read_symlink("/proc/self/exe").parent_path();
+}
+
 // The library's host build lies beside the program, unless the environment names another one.
 std::filesystem::path hostLibrary() {
   if (const char* named = std::getenv("CORVALEN_LIBRARY")) return named;
-  return std::filesystem::read_symlink("/proc/self/exe").parent_path() / "proCorvalen.so";
+  return programFolder() / "proCorvalen.so";
 }
 
 std::unique_ptr<LibraryLoader> makeHostLoader() {
   const auto file = hostLibrary();
   if (!std::filesystem::exists(file)) throw std::runtime_error("cannot find " + file.string());
-  return std::make_unique<HostLibraryLoader>(file);
+  return std::make_unique<HostLibraryLoader>(file, programFolder() / LibraryLoader::kBundleName);
 }
 
 // The host build, or the device binary that was asked for.

@@ -2,6 +2,7 @@
 // world knows only this interface: it calls code at an address, and reads and writes the memory
 // that the ABI hands over.
 #pragma once
+#include <filesystem>
 #include <memory>
 #include <vector>
 
@@ -16,8 +17,12 @@ class Library {
   // Runs the load-time constructor. May throw Fault.
   virtual void runInitialisers() = 0;
 
-  // Calls code in the library: `fixed` are all its arguments, hidden ones included. May throw
-  // Fault.
+  // Maps the settings bundle's executable beside the library, as one more image of the process, and
+  // runs its constructor. May throw Fault.
+  virtual void loadBundle() = 0;
+
+  // Calls code in the library or the bundle: `fixed` are all its arguments, hidden ones included.
+  // May throw Fault.
   virtual Value call(Address code, Kind result, const std::vector<Value>& fixed) = 0;
 
   // An address at which the library can call platform code: as a method with the two hidden
@@ -55,6 +60,11 @@ class LibraryLoader {
   virtual std::unique_ptr<Library> load(Process& process) = 0;
   // kCFCoreFoundationVersionNumber, for every process.
   virtual void setVersion(double version) = 0;
+
+  // The settings bundle's folder on the host, with its entry in the Settings app beside it.
+  std::filesystem::path bundle;
+  static constexpr const char* kBundleName = "CorvalenPro.bundle";
+  std::filesystem::path bundleExecutable() const { return bundle / "CorvalenPro"; }
 };
 
 }  // namespace sim

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <fstream>
 #include <iostream>
+#include <optional>
 
 #include "sim/core/process.hpp"
 #include "sim/guest/back_trace.hpp"
@@ -38,8 +39,10 @@ class GuestLibrary final : public Library {
         process_(process),
         slice_(loader.slice_),
         cpu_(slice_, memory_, [this](Address address) { trapped(address); }),
-        image_(*loader.image_, slice_, memory_, traps_) {
+        variables_(mapPlatformVariables(memory_)),
+        image_(*loader.image_, "proCorvalen", kLibraryBase, slice_, memory_, traps_) {
     cpu_.map(memory_.add(kStackBase, kStackSize, true, false));
+    cpu_.map(variables_);
     for (const auto* region : image_.regions()) cpu_.map(*region);
     cpu_.setStackPointer(kStackBase + kStackSize);
     image_.setVersion(loader.version_);
@@ -62,8 +65,16 @@ class GuestLibrary final : public Library {
     loader_.loadCost_ = loader_.cost_ - before;
   }
 
+  void loadBundle() override {
+    if (bundle_) return;
+    bundle_.emplace(loader_.bundleImage(), "CorvalenPro", kBundleBase, slice_, memory_, traps_);
+    for (const auto* region : bundle_->regions()) cpu_.map(*region);
+    for (const Address code : bundle_->initialisers())
+      call(code, Kind::Void, std::vector<Value>(3, Value::of(Kind::Pointer, 0)));
+  }
+
   Value call(Address code, Kind result, const std::vector<Value>& fixed) override {
-    if (loader_.debugging_.calls) std::cerr << "-> " << image_.place(code) << '\n';
+    if (loader_.debugging_.calls) std::cerr << "-> " << imageAt(code).place(code) << '\n';
     const Address stack = cpu_.stackPointer();
     ++depth_;
     try {
@@ -99,7 +110,10 @@ class GuestLibrary final : public Library {
   unsigned pointerSize() const override { return guest::pointerSize(slice_); }
 
   std::vector<std::pair<Address, std::size_t>> variables() const override {
-    return image_.variables();
+    auto all = image_.variables();
+    if (bundle_)
+      for (const auto& range : bundle_->variables()) all.push_back(range);
+    return all;
   }
   bool isCode(Address address) const override { return traps_.contains(address); }
 
@@ -112,6 +126,10 @@ class GuestLibrary final : public Library {
   void setVersion(double version) { image_.setVersion(version); }
 
  private:
+  const LoadedImage& imageAt(Address code) const {
+    return bundle_ && bundle_->contains(code) ? *bundle_ : image_;
+  }
+
   void measure() {
     const auto [stubsStart, stubsEnd] = image_.stubs();
     cpu_.count(image_.textStart(), image_.textEnd(), stubsStart, stubsEnd);
@@ -150,7 +168,8 @@ class GuestLibrary final : public Library {
     const Trap& trap = traps_.at(address);
     if (loader_.measuring_) noteCall(trap);
     if (loader_.debugging_.calls)
-      std::cerr << "<- " << trap.name << " from " << image_.place(cpu_.linkRegister()) << '\n';
+      std::cerr << "<- " << trap.name << " from "
+                << imageAt(cpu_.linkRegister()).place(cpu_.linkRegister()) << '\n';
     if (isCLibrary(trap.name) && !trap.code) {
       const auto result =
           callCLibrary(trap.name, memory_, {cpu_.integer(0), cpu_.integer(1), cpu_.integer(2)});
@@ -167,7 +186,7 @@ class GuestLibrary final : public Library {
   void report(const Fault& fault) {
     reported_ = true;
     std::cerr << fmt::format("{}: {}\n", process_.identifier, fault.what())
-              << backTrace(slice_, cpu_, memory_, image_);
+              << backTrace(slice_, cpu_, memory_, imageAt(cpu_.programCounter()));
   }
 
   void breakAt(const std::string& symbol) {
@@ -185,7 +204,9 @@ class GuestLibrary final : public Library {
   GuestMemory memory_;
   Traps traps_;
   Cpu cpu_;
+  const GuestMemory::Region& variables_;
   LoadedImage image_;
+  std::optional<LoadedImage> bundle_;
   int depth_ = 0;
   bool reported_ = false;
   InstructionCounts tallied_;
@@ -201,9 +222,17 @@ GuestLibraryLoader::GuestLibraryLoader(const std::filesystem::path& file, Slice 
                                        GuestDebugging debugging)
     : slice_(slice), debugging_(std::move(debugging)) {
   image_ = std::make_shared<const MachOImage>(loadMachO(fileContents(file), slice));
+  bundle = file.parent_path() / kBundleName;
 }
 
 GuestLibraryLoader::~GuestLibraryLoader() = default;
+
+const MachOImage& GuestLibraryLoader::bundleImage() {
+  if (!bundleImage_)
+    bundleImage_ =
+        std::make_shared<const MachOImage>(loadMachO(fileContents(bundleExecutable()), slice_));
+  return *bundleImage_;
+}
 
 std::unique_ptr<Library> GuestLibraryLoader::load(Process& process) {
   return std::make_unique<GuestLibrary>(*this, process);

@@ -70,8 +70,11 @@ class GuestLibraryLoader final : public LibraryLoader {
   FixUps fixUps(Address pageSize) const;
 
  private:
-  friend class GuestLibrary;  // one process's copy
+  friend class GuestLibrary;        // one process's copy
+  const MachOImage& bundleImage();  // read when it is first asked for
+
   std::shared_ptr<const MachOImage> image_;
+  std::shared_ptr<const MachOImage> bundleImage_;
   Slice slice_;
   GuestDebugging debugging_;
   double version_ = 0;

@@ -13,7 +13,6 @@ namespace sim::guest {
 
 namespace {
 
-constexpr Address kImageBase = 0x04000000;      // where the image lands in every process
 constexpr Address kVariablesBase = 0x21000000;  // the platform's variables
 constexpr std::size_t kVariablesSize = 0x4000;
 constexpr std::size_t kHostPage = 0x1000;
@@ -42,9 +41,13 @@ constexpr const char* kFunctions[] = {
 
 }  // namespace
 
-LoadedImage::LoadedImage(const MachOImage& image, Slice slice, GuestMemory& memory, Traps& traps)
-    : image_(image), slice_(slice), memory_(memory) {
-  regions_.push_back(&memory_.add(kVariablesBase, kVariablesSize, true, false));
+const GuestMemory::Region& mapPlatformVariables(GuestMemory& memory) {
+  return memory.add(kVariablesBase, kVariablesSize, true, false);
+}
+
+LoadedImage::LoadedImage(const MachOImage& image, std::string name, Address base, Slice slice,
+                         GuestMemory& memory, Traps& traps)
+    : image_(image), name_(std::move(name)), base_(base), slice_(slice), memory_(memory) {
   mapSegments();
   applyFixups(traps);
 }
@@ -54,7 +57,7 @@ void LoadedImage::mapSegments() {
     const std::size_t size = (segment.size + kHostPage - 1) / kHostPage * kHostPage;
     if (size == 0) continue;
     const auto& region =
-        memory_.add(kImageBase + segment.address, size, segment.writable, segment.executable);
+        memory_.add(base_ + segment.address, size, segment.writable, segment.executable);
     if (!segment.contents.empty())
       std::memcpy(region.host, segment.contents.data(), segment.contents.size());
     regions_.push_back(&region);
@@ -62,7 +65,7 @@ void LoadedImage::mapSegments() {
 }
 
 void LoadedImage::store(Address at, Address value) {
-  memory_.patch(kImageBase + at, &value, pointerSize(slice_));
+  memory_.patch(base_ + at, &value, pointerSize(slice_));
 }
 
 Address LoadedImage::addressOf(const std::string& import, Traps& traps) const {
@@ -77,8 +80,8 @@ Address LoadedImage::addressOf(const std::string& import, Traps& traps) const {
 void LoadedImage::applyFixups(Traps& traps) {
   for (const std::uint64_t at : image_.rebases) {
     Address value = 0;
-    memory_.read(kImageBase + at, &value, pointerSize(slice_));
-    store(at, value + kImageBase);
+    memory_.read(base_ + at, &value, pointerSize(slice_));
+    store(at, value + base_);
   }
   for (const Bind& bind : image_.binds)
     if (!isClassImport(bind.symbol))
@@ -100,7 +103,7 @@ std::vector<Address> LoadedImage::initialisers() const {
   for (const Section& section : image_.sections)
     for (std::uint64_t at = 0; section.holdsInitialisers && at + word <= section.size; at += word) {
       Address code = 0;
-      memory_.read(kImageBase + section.address + at, &code, word);
+      memory_.read(base_ + section.address + at, &code, word);
       all.push_back(code);
     }
   return all;
@@ -119,14 +122,14 @@ void LoadedImage::setVersion(double version) {
 std::vector<std::pair<Address, std::size_t>> LoadedImage::variables() const {
   std::vector<std::pair<Address, std::size_t>> all;
   for (const Segment& segment : image_.segments)
-    if (segment.writable) all.emplace_back(kImageBase + segment.address, segment.size);
+    if (segment.writable) all.emplace_back(base_ + segment.address, segment.size);
   return all;
 }
 
 std::pair<Address, Address> LoadedImage::section(const std::string& name) const {
   for (const Section& section : image_.sections)
     if (section.name == name)
-      return {kImageBase + section.address, kImageBase + section.address + section.size};
+      return {base_ + section.address, base_ + section.address + section.size};
   return {0, 0};
 }
 
@@ -135,18 +138,21 @@ std::pair<Address, Address> LoadedImage::stubs() const {
   Address end = 0;
   for (const Section& section : image_.sections) {
     if (section.name.find("stub") == std::string::npos) continue;
-    const Address first = kImageBase + section.address;
+    const Address first = base_ + section.address;
     start = start ? std::min(start, first) : first;
     end = std::max(end, first + section.size);
   }
   return {start, end};
 }
 
+bool LoadedImage::contains(Address address) const {
+  return address >= base_ && address < base_ + image_.size;
+}
+
 std::string LoadedImage::place(Address address) const {
-  if (address < kImageBase || address >= kImageBase + image_.size)
-    return fmt::format("{:#x}", address);
-  const Address offset = (address - kImageBase) & ~Address{slice_ == Slice::armv7};
-  std::string text = fmt::format("proCorvalen+{:#x}", offset);
+  if (!contains(address)) return fmt::format("{:#x}", address);
+  const Address offset = (address - base_) & ~Address{slice_ == Slice::armv7};
+  std::string text = fmt::format("{}+{:#x}", name_, offset);
   const auto after = std::ranges::upper_bound(image_.symbols, offset, {}, &Symbol::address);
   if (after == image_.symbols.begin()) return text;
   const Symbol& symbol = *std::prev(after);
@@ -157,7 +163,7 @@ Address LoadedImage::find(const std::string& name) const {
   for (const Symbol& symbol : image_.symbols)
     if (symbol.name == name || symbol.name == "_" + name ||
         readableSymbol(symbol.name).starts_with(name))
-      return kImageBase + symbol.address;
+      return base_ + symbol.address;
   return 0;
 }
 

@@ -1,5 +1,5 @@
-// The library's image in one emulated process: its segments mapped, its fix-ups applied, its
-// imports bound to traps and to the platform's variables.
+// An image in one emulated process, the library's or the settings bundle's: its segments mapped,
+// its fix-ups applied, its imports bound to traps and to the platform's variables.
 #pragma once
 #include <functional>
 #include <string>
@@ -12,10 +12,19 @@ namespace sim::guest {
 
 struct MachOImage;
 
+// Where images land in every process.
+inline constexpr Address kLibraryBase = 0x04000000;
+inline constexpr Address kBundleBase = 0x08000000;
+
+// The memory of the platform's variables, which the images of a process share. Once a process,
+// before any image.
+const GuestMemory::Region& mapPlatformVariables(GuestMemory& memory);
+
 class LoadedImage {
  public:
   // Throws std::runtime_error if the image imports what the platform lacks.
-  LoadedImage(const MachOImage& image, Slice slice, GuestMemory& memory, Traps& traps);
+  LoadedImage(const MachOImage& image, std::string name, Address base, Slice slice,
+              GuestMemory& memory, Traps& traps);
 
   // Binds imported Objective-C classes ("NSBundle") and metaclasses, once the process has classes.
   using ClassAddress = std::function<Address(const std::string& name, bool meta)>;
@@ -28,7 +37,7 @@ class LoadedImage {
 
   // The image's writable ranges.
   std::vector<std::pair<Address, std::size_t>> variables() const;
-  // Memory of the image and of the platform's variables.
+  // The image's memory.
   const std::vector<const GuestMemory::Region*>& regions() const { return regions_; }
 
   // The start and end of a section, {0, 0} if the image has none of that name.
@@ -38,6 +47,7 @@ class LoadedImage {
   Address textStart() const { return section("__text").first; }
   Address textEnd() const { return section("__text").second; }
 
+  bool contains(Address address) const;
   // "symbol+0x10 (proCorvalen+0x4a30)", or the bare address outside of the image.
   std::string place(Address address) const;
   // The address of a symbol by its name or the readable form of it; 0 if there is none.
@@ -50,6 +60,8 @@ class LoadedImage {
   void store(Address at, Address value);
 
   const MachOImage& image_;
+  std::string name_;
+  Address base_;
   Slice slice_;
   GuestMemory& memory_;
   std::vector<const GuestMemory::Region*> regions_;

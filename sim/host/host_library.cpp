@@ -8,6 +8,7 @@
 
 #include <cstring>
 #include <fstream>
+#include <optional>
 
 #include "sim/core/process.hpp"
 
@@ -153,22 +154,80 @@ struct Range {
   bool writable;
 };
 
+// A copy of a shared object, loaded into the program.
+class LoadedCopy {
+ public:
+  explicit LoadedCopy(std::shared_ptr<SpareCopies> copies)
+      : copies_(std::move(copies)), copy_(copies_->take()) {}
+  ~LoadedCopy() {
+    close();
+    copies_->giveBack(copy_);
+  }
+  LoadedCopy(const LoadedCopy&) = delete;
+  LoadedCopy& operator=(const LoadedCopy&) = delete;
+
+  // Runs its constructor.
+  void open() {
+    handle_ = dlopen(copy_.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (!handle_) throw std::runtime_error(dlerror());
+  }
+  void close() {
+    if (handle_) dlclose(std::exchange(handle_, nullptr));
+  }
+
+  // Its segments, as the dynamic loader mapped them.
+  const std::vector<Range>& ranges() const {
+    if (!ranges_.empty()) return ranges_;
+    struct Search {
+      const std::string name;
+      std::vector<Range>& out;
+    } search{copy_.filename().string(), ranges_};
+    dl_iterate_phdr(
+        [](dl_phdr_info* info, std::size_t, void* data) {
+          auto& wanted = *static_cast<Search*>(data);
+          if (!std::string_view(info->dlpi_name).ends_with(wanted.name)) return 0;
+          for (int i = 0; i < info->dlpi_phnum; ++i) {
+            const auto& header = info->dlpi_phdr[i];
+            if (header.p_type == PT_LOAD)
+              wanted.out.push_back(
+                  {info->dlpi_addr + header.p_vaddr, header.p_memsz, (header.p_flags & PF_W) != 0});
+          }
+          return 1;
+        },
+        &search);
+    return ranges_;
+  }
+
+ private:
+  std::shared_ptr<SpareCopies> copies_;
+  std::filesystem::path copy_;
+  void* handle_ = nullptr;
+  mutable std::vector<Range> ranges_;
+};
+
 class HostLibrary final : public Library {
  public:
-  HostLibrary(Process& process, std::shared_ptr<SpareCopies> copies)
-      : process_(process), copies_(std::move(copies)), copy_(copies_->take()) {}
+  HostLibrary(Process& process, std::shared_ptr<SpareCopies> copies,
+              std::shared_ptr<SpareCopies> bundleCopies)
+      : process_(process), library_(std::move(copies)), bundleCopies_(std::move(bundleCopies)) {}
 
   ~HostLibrary() override {
-    if (handle_) dlclose(handle_);
-    copies_->giveBack(copy_);
+    bundle_.reset();
+    library_.close();
     for (const unsigned index : taken_) thunks[index] = {};
     for (const auto& [memory, size] : memory_) std::free(reinterpret_cast<void*>(memory));
   }
 
   void runInitialisers() override {
     const Running entered(process_);
-    handle_ = dlopen(copy_.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (!handle_) throw std::runtime_error(dlerror());
+    library_.open();
+  }
+
+  void loadBundle() override {
+    if (bundle_) return;
+    const Running entered(process_);
+    bundle_.emplace(bundleCopies_);
+    bundle_->open();
   }
 
   Value call(Address code, Kind result, const std::vector<Value>& fixed) override {
@@ -236,8 +295,9 @@ class HostLibrary final : public Library {
 
   std::vector<std::pair<Address, std::size_t>> variables() const override {
     std::vector<std::pair<Address, std::size_t>> all;
-    for (const Range& range : image())
+    eachRange([&](const Range& range) {
       if (range.writable) all.emplace_back(range.start, range.size);
+    });
     return all;
   }
   // Nothing is bound at its first call here.
@@ -251,32 +311,19 @@ class HostLibrary final : public Library {
   }
 
  private:
-  // The segments of this copy, as the dynamic loader mapped them.
-  const std::vector<Range>& image() const {
-    if (!image_.empty()) return image_;
-    struct Search {
-      const std::string name;
-      std::vector<Range>& out;
-    } search{copy_.filename().string(), image_};
-    dl_iterate_phdr(
-        [](dl_phdr_info* info, std::size_t, void* data) {
-          auto& wanted = *static_cast<Search*>(data);
-          if (!std::string_view(info->dlpi_name).ends_with(wanted.name)) return 0;
-          for (int i = 0; i < info->dlpi_phnum; ++i) {
-            const auto& header = info->dlpi_phdr[i];
-            if (header.p_type == PT_LOAD)
-              wanted.out.push_back(
-                  {info->dlpi_addr + header.p_vaddr, header.p_memsz, (header.p_flags & PF_W) != 0});
-          }
-          return 1;
-        },
-        &search);
-    return image_;
+  template <class Each>
+  void eachRange(Each each) const {
+    for (const Range& range : library_.ranges()) each(range);
+    if (!bundle_) return;
+    for (const Range& range : bundle_->ranges()) each(range);
   }
 
   void check(Address address, std::size_t size) const {
-    for (const Range& range : image())
-      if (address >= range.start && address + size <= range.start + range.size) return;
+    bool mapped = false;
+    eachRange([&](const Range& range) {
+      mapped |= address >= range.start && address + size <= range.start + range.size;
+    });
+    if (mapped) return;
     const auto block = memory_.upper_bound(address);
     if (block != memory_.begin()) {
       const auto& [start, length] = *std::prev(block);
@@ -296,13 +343,12 @@ class HostLibrary final : public Library {
   }
 
   Process& process_;
-  std::shared_ptr<SpareCopies> copies_;
-  std::filesystem::path copy_;
-  void* handle_ = nullptr;
+  LoadedCopy library_;
+  std::shared_ptr<SpareCopies> bundleCopies_;
+  std::optional<LoadedCopy> bundle_;
   std::vector<unsigned> taken_;
   std::map<Address, std::size_t> memory_;
   std::set<Address> freed_;
-  mutable std::vector<Range> image_;
 };
 
 }  // namespace
@@ -327,7 +373,7 @@ SpareCopies::~SpareCopies() {
 }
 
 std::unique_ptr<Library> HostLibraryLoader::load(Process& process) {
-  return std::make_unique<HostLibrary>(process, copies_);
+  return std::make_unique<HostLibrary>(process, copies_, bundleCopies_);
 }
 
 void HostLibraryLoader::setVersion(double version) { simVersionNumber = version; }

@@ -27,13 +27,19 @@ class SpareCopies {
 class HostLibraryLoader final : public LibraryLoader {
  public:
   // `file` is the shared object. Each process loads a copy of its own.
-  explicit HostLibraryLoader(std::filesystem::path file)
-      : copies_(std::make_shared<SpareCopies>(std::move(file))) {}
+  // The settings bundle lies beside it, unless another one is named.
+  explicit HostLibraryLoader(const std::filesystem::path& file,
+                             const std::filesystem::path& bundle = {})
+      : copies_(std::make_shared<SpareCopies>(file)) {
+    this->bundle = bundle.empty() ? file.parent_path() / kBundleName : bundle;
+    bundleCopies_ = std::make_shared<SpareCopies>(bundleExecutable());
+  }
   std::unique_ptr<Library> load(Process& process) override;
   void setVersion(double version) override;
 
  private:
   std::shared_ptr<SpareCopies> copies_;
+  std::shared_ptr<SpareCopies> bundleCopies_;
 };
 
 }  // namespace sim
