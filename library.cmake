@@ -27,3 +27,14 @@ set(CORVALEN_LIBRARY_SOURCES
   welcome/greeting.cpp
   welcome/follow_handler.cpp
 )
+
+# The sources of the settings bundle, which the Settings app loads.
+set(CORVALEN_SETTINGS_SOURCES
+  settings/bundle.cpp
+  settings/settings_page.cpp
+  settings/specifiers.cpp
+  settings/app_chooser.cpp
+  settings/store.cpp
+  settings/failure.cpp
+  loader/settings_file.cpp
+)
