@@ -101,6 +101,7 @@ void Device::endProcess(Process& process) {
   for (const auto timer : process.timers) clock.cancel(timer);
   process.observers.clear();
   process.ended = true;
+  for (const auto& [type, service] : services_) service->processEnded(process);
   dead_.splice(dead_.end(), processes_, found);
   // Code of the process may still be on the stack: it goes with the outermost callback.
   if (depth_ == 0) dead_.clear();

@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <set>
+#include <typeindex>
 
 #include "sim/core/clock.hpp"
 #include "sim/core/process.hpp"
@@ -23,6 +24,7 @@ inline const std::string kMusic = "com.apple.Music";
 inline const std::string kSpotify = "com.spotify.client";
 inline const std::string kPodcasts = "com.apple.podcasts";
 inline const std::string kGarmin = "com.garmin.connect.mobile";
+inline const std::string kSettings = "com.apple.Preferences";
 
 // An installed app.
 struct App {
@@ -74,6 +76,8 @@ struct DeviceState {
   std::optional<std::uint32_t> networkFlags = 0x2;
   std::set<std::string> openableSchemes;
   bool settingsReadOnly = false;
+  std::string language = "en";          // of the user
+  std::filesystem::path settingsEntry;  // of the settings page, on the host; empty: the product's
   // Whether the platform passes values that tell where scenarios mostly show nil and 0.
   bool tellingArguments = false;
   // Of processes that start from now on: another extension in them, and the classes on which the
@@ -82,6 +86,13 @@ struct DeviceState {
   std::set<std::string> categories;
 
   App* app(const std::string& identifier);  // borrowed; null if not installed
+};
+
+// A part of the system that is no app: it outlives processes, and hears of their end.
+class Service {
+ public:
+  virtual ~Service() = default;
+  virtual void processEnded(const Process&) {}
 };
 
 class Device {
@@ -97,6 +108,14 @@ class Device {
   Trace& trace;
   LibraryLoader& loader;
   Injection* injection = nullptr;  // borrowed; what goes wrong, if anything
+
+  // What the device has one of, made at its first use.
+  template <class T>
+  T& service() {
+    std::unique_ptr<Service>& slot = services_[typeid(T)];
+    if (!slot) slot = std::make_unique<T>(*this);
+    return static_cast<T&>(*slot);
+  }
 
   // The host's path of a path on the device.
   std::filesystem::path hostPath(const std::string& devicePath) const;
@@ -150,6 +169,7 @@ class Device {
     std::uint64_t process = 0;  // number of the process it belongs to; 0: the device
     std::function<void()> work;
   };
+  std::map<std::type_index, std::unique_ptr<Service>> services_;
   std::filesystem::path root_;
   std::list<std::unique_ptr<Process>> processes_;
   std::list<std::unique_ptr<Process>> dead_;  // kept until nothing of theirs runs any more

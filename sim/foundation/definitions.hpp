@@ -17,6 +17,8 @@ ClassDefinition defineNSMutableDictionary();
 ClassDefinition defineNSTimer();
 ClassDefinition defineNSURL();
 ClassDefinition defineNSBundle();
+ClassDefinition defineBundlesByPath();
+ClassDefinition defineNSPredicate();
 ClassDefinition defineNSFileManager();
 
 }  // namespace sim

@@ -124,12 +124,13 @@ Ref<NSDictionary> readPropertyList(Process& process, const std::string& devicePa
   return toDictionary(process, root.get());
 }
 
-bool writePropertyList(const NSDictionary& dictionary, const std::string& devicePath) {
-  const Device& device = dictionary.process.device;
+PlistNode toPropertyListNode(const Object& object) { return toNode(object); }
+
+Ref<Object> fromPropertyListNode(Process& process, plist_t node) { return toObject(process, node); }
+
+bool writePropertyListFile(const Device& device, const std::string& devicePath, plist_t root) {
   if (device.state.settingsReadOnly) return false;
-  const PlistNode root = toNode(dictionary);
-  if (!root) return false;
-  const std::string xml = toXml(root.get());
+  const std::string xml = toXml(root);
   if (xml.empty()) return false;
   const auto path = device.hostPath(devicePath);
   auto auxiliary = path;
@@ -142,6 +143,11 @@ bool writePropertyList(const NSDictionary& dictionary, const std::string& device
   const bool written = file && !error;
   if (!written) std::filesystem::remove(auxiliary, error);
   return written;
+}
+
+bool writePropertyList(const NSDictionary& dictionary, const std::string& devicePath) {
+  const PlistNode root = toNode(dictionary);
+  return root && writePropertyListFile(dictionary.process.device, devicePath, root.get());
 }
 
 }  // namespace sim

@@ -1,6 +1,7 @@
 // Property lists in the device's file system: XML and binary ones are read, XML is written.
 #pragma once
 #include "sim/foundation/dictionary.hpp"
+#include "sim/foundation/plist_file.hpp"
 
 namespace sim {
 
@@ -8,6 +9,14 @@ namespace sim {
 // property list with a dictionary as its root.
 Ref<NSDictionary> readPropertyList(Process& process, const std::string& devicePath);
 
+// The same objects as nodes, and the other way round. Null if the object, or something within it,
+// is nothing that a property list can hold.
+PlistNode toPropertyListNode(const Object& object);
+Ref<Object> fromPropertyListNode(Process& process, plist_t node);
+
+// Writes a dictionary as XML, by an auxiliary file and a renaming. False if that fails, or if the
+// settings file is read-only.
+bool writePropertyListFile(const Device& device, const std::string& devicePath, plist_t root);
 // Writes to an auxiliary file and renames it. False if that fails, if the settings file is
 // read-only, or if a value is none that a property list can hold.
 bool writePropertyList(const NSDictionary& dictionary, const std::string& devicePath);

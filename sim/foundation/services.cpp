@@ -1,4 +1,4 @@
-// NSURL, NSBundle, NSFileManager.
+// NSURL and NSFileManager.
 #include "sim/foundation/services.hpp"
 
 #include "sim/core/class_definition.hpp"
@@ -20,19 +20,6 @@ Ref<NSURL> urlWithString(Class& cls, NSString* text) {
   return cls.process.make<NSURL>("NSURL", text->text);
 }
 
-class NSBundle final : public Object {
- public:
-  using Object::Object;
-  NSString* bundleIdentifier() {
-    if (process.isDaemon || process.identifier.empty()) return nullptr;
-    if (!identifier_) identifier_ = makeString(process, process.identifier);
-    return identifier_.get();
-  }
-
- private:
-  Ref<NSString> identifier_;
-};
-
 class NSFileManager final : public Object {
  public:
   using Object::Object;
@@ -48,7 +35,6 @@ class NSFileManager final : public Object {
   }
 };
 
-Object* mainBundle(Class& cls) { return &cls.process.shared<NSBundle>("NSBundle"); }
 Object* defaultManager(Class& cls) { return &cls.process.shared<NSFileManager>("NSFileManager"); }
 
 }  // namespace
@@ -56,13 +42,6 @@ Object* defaultManager(Class& cls) { return &cls.process.shared<NSFileManager>("
 ClassDefinition defineNSURL() {
   auto definition = ClassDefinition::of<NSURL>("NSURL", "NSObject", Home::everywhere());
   definition.classMethod("URLWithString:", &urlWithString);
-  return definition;
-}
-
-ClassDefinition defineNSBundle() {
-  auto definition = ClassDefinition::of<NSBundle>("NSBundle", "NSObject", Home::everywhere());
-  definition.classMethod("mainBundle", &mainBundle);
-  definition.method("bundleIdentifier", &NSBundle::bundleIdentifier);
   return definition;
 }
 

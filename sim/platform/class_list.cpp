@@ -3,6 +3,7 @@
 #include "sim/apps/definitions.hpp"
 #include "sim/foundation/definitions.hpp"
 #include "sim/platform/title_views.hpp"
+#include "sim/settings/definitions.hpp"
 #include "sim/springboard/definitions.hpp"
 #include "sim/uikit/definitions.hpp"
 
@@ -24,6 +25,8 @@ const std::vector<ClassDefinition>& classDefinitions() {
       defineNSTimer(),
       defineNSURL(),
       defineNSBundle(),
+      defineBundlesByPath(),
+      defineNSPredicate(),
       defineNSFileManager(),
       // UIKit
       defineUIView(),
@@ -66,6 +69,18 @@ const std::vector<ClassDefinition>& classDefinitions() {
       defineAuxoCollectionView(),
       defineAuxoCell(),
       defineMPMiniPlayerActionsDelegate(),
+      // The Settings app
+      defineUINavigationItem(),
+      defineUIBarButtonItem(),
+      defineUISearchBar(),
+      defineUITableView(),
+      defineUIImage(),
+      defineNSIndexPath(),
+      definePSTableCell(),
+      definePSSpecifier(),
+      definePSListController(),
+      defineSettingsNavigation(),
+      defineSettingsAppList(),
       // Player apps
       defineSPTPlayerState(),
       defineSPTPlayer(),

@@ -19,7 +19,7 @@ const std::vector<std::shared_ptr<const NativeCode>>& platformFunctions() {
     std::vector<std::shared_ptr<const NativeCode>> list;
     for (const Functions& functions :
          {runtimeFunctions(), systemFunctions(), coreFoundationFunctions(), substrateFunctions(),
-          frameworkFunctions()})
+          preferenceFunctions(), frameworkFunctions()})
       for (const NativeCode& code : functions) list.push_back(std::make_shared<NativeCode>(code));
     return list;
   }();

@@ -10,7 +10,8 @@ Functions runtimeFunctions();  // libobjc
 Functions systemFunctions();   // libSystem: dyld, libdispatch, libnotify, the C library
 Functions coreFoundationFunctions();
 Functions substrateFunctions();
-Functions frameworkFunctions();  // found with dlsym: MediaRemote, AudioToolbox, reachability
+Functions preferenceFunctions();  // CFPreferences
+Functions frameworkFunctions();   // found with dlsym: MediaRemote, AudioToolbox, reachability
 
 NativeCode effect(NativeCode code);
 NativeCode effect(NativeCode code, Describe describe);

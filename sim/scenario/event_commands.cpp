@@ -2,6 +2,8 @@
 #include "sim/platform/device_actions.hpp"
 #include "sim/scenario/commands.hpp"
 #include "sim/scenario/script.hpp"
+#include "sim/settings/preferences_daemon.hpp"
+#include "sim/settings/settings_app.hpp"
 
 namespace sim::scenario {
 
@@ -127,6 +129,27 @@ Action pressCommand(Arguments& words) {
   return doing([=](Device& device) { pressButton(device, button); });
 }
 
+Action settingsCommand(Arguments& words) {
+  const std::size_t what = words.oneOf({"open", "close", "set", "choose", "help", "reset"});
+  if (what == 0) return doing(openSettings);
+  if (what == 1) return doing(closeSettings);
+  if (what == 4) return doing(tapHelp);
+  if (what == 5) return doing(resetSettings);
+  const std::string label = words.quoted("a label");
+  if (what == 2) {
+    const bool on = words.yesNo();
+    return doing([=](Device& device) { moveSwitch(device, label, on); });
+  }
+  const std::string app = words.identifier();
+  const auto choice = app == "none" ? std::nullopt : std::optional(app);
+  return doing([=](Device& device) { chooseApp(device, label, choice); });
+}
+
+Action preferencesDaemonCommand(Arguments& words) {
+  words.oneOf({"restart"});
+  return doing([](Device& device) { device.service<PreferencesDaemon>().restart(); });
+}
+
 Action appAlertCommand(Arguments& words) {
   const std::string id = words.identifier();
   return doing([=](Device& device) { appAlert(device, id); });
@@ -195,6 +218,8 @@ const std::vector<CommandRow>& eventCommands() {
       {"title-view", titleViewCommand},
       {"widget", widgetCommand},
       {"press", pressCommand},
+      {"settings", settingsCommand},
+      {"cfprefsd", preferencesDaemonCommand},
       {"app-alert", appAlertCommand},
       {"app-timer", appTimerCommand},
       {"post", postCommand},

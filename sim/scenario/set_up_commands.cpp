@@ -237,6 +237,11 @@ Action network(Arguments& words) {
   return doing([=](Device& device) { device.state.networkFlags = flags; });
 }
 
+Action language(Arguments& words) {
+  const std::string code = words.bare("a language");
+  return doing([=](Device& device) { device.state.language = code; });
+}
+
 // With or without the colon that ends a scheme.
 Action canOpen(Arguments& words) {
   std::string scheme = words.bare("a scheme");
@@ -271,6 +276,7 @@ const std::vector<CommandRow>& setUpCommands() {
       {"accounts", accounts},
       {"network", network},
       {"can-open", canOpen},
+      {"language", language},
       {"framework", framework},
       {"selectors", selectors},
       {"no-method", noMethod},
