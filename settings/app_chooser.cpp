@@ -36,7 +36,7 @@ void addRow(NSMutableArray list, Object page, NSString name, NSString app, NSStr
   const bool isChosen = app.length() == 0 ? chosen.length() == 0 : app.isEqualToString(chosen);
   row.setPropertyForKey(app, "app"_ns);
   row.setPropertyForKey(NSNumber::numberWithBool(isChosen), "chosen"_ns);
-  list.addObject(row);
+  if (row) list.addObject(row);
 }
 
 bool isSearchedFor(NSString name) {
@@ -48,7 +48,7 @@ Retained<NSMutableArray> makeRows(Object page) {
   auto list = NSMutableArray::make();
   const auto settings = preferences::read();
   const NSString chosen = preferences::asText(settings->objectForKey(setting(page.raw)));
-  list->addObject(PSSpecifier::group({}));
+  if (const PSSpecifier all = PSSpecifier::group({})) list->addObject(all);
   if (searchText.length() == 0) addRow(list.get(), page, localized(text::none), ""_ns, chosen);
   const NSDictionary names = appList().applications();
   enumerate(appList().identifiersSortedByTitle(), [&](Object object) {
@@ -60,9 +60,7 @@ Retained<NSMutableArray> makeRows(Object page) {
 }
 
 id specifiers(id self, SEL) {
-  id* const list = specifierList(self);
-  if (!*list) *list = makeRows(view(self)).leak().raw;
-  return *list;
+  return keptSpecifiers(self, [self] { return makeRows(view(self)); });
 }
 
 // Icons are asked for as their rows are drawn: each may have to come from SpringBoard.
@@ -80,7 +78,7 @@ id cellForRow(id self, SEL, id table, id indexPath) {
 
 void didSelectRow(id self, SEL, id table, id indexPath) {
   const NSString app = appOf(view<PSListController>(self).specifierAtIndexPath(view(indexPath)));
-  tell(change(setting(self), app.length() == 0 ? NSString{} : app));
+  if (app) tell(change(setting(self), app.length() == 0 ? NSString{} : app));
   view<UITableView>(table).deselectRow(view(indexPath), true);
   view<PSListController>(self).reloadSpecifiers();
 }

@@ -13,12 +13,15 @@ NSBundle ownBundle() {
 
 NSString localized(ConstantText text) {
   if (!text) return {};
-  return ownBundle().localized(view<NSString>(objectOf(text)), "CorvalenPro"_ns);
+  const auto english = view<NSString>(objectOf(text));
+  const NSString found = ownBundle().localized(english, "CorvalenPro"_ns);
+  return found ? found : english;
 }
 
-id* specifierList(id page) {
+id* specifierVariable(id page) {
   objc_ivar* const variable =
       class_getInstanceVariable(PSListController::cls().cls(), "_specifiers");
+  if (!variable) return nullptr;
   return reinterpret_cast<id*>(reinterpret_cast<uintptr_t>(page) +
                                static_cast<uintptr_t>(ivar_getOffset(variable)));
 }

@@ -9,12 +9,22 @@ namespace corvalen::settings {
 // be asked. Autoreleased.
 platform::NSBundle ownBundle();
 
-// The text in the user's language. Autoreleased; nil for none.
+// The place of that variable in a page; null where there is none.
+id* specifierVariable(id page);
+
+// The text in the user's language, else in English. Autoreleased; nil for none.
 platform::NSString localized(platform::ConstantText text);
 
-// The place of a page's list of specifiers. It owns what stands there, and Preferences.framework
-// empties it when the page is loaded anew. Null for null.
-id* specifierList(id page);
+// A page's list of specifiers, made by `make` where it has none: in the variable _specifiers, which
+// owns what stands there and which Preferences.framework empties when the page is loaded anew.
+// Borrowed; nil if nothing could be made.
+template <class Make>
+id keptSpecifiers(id page, Make make) {
+  id* const kept = specifierVariable(page);
+  if (!kept) return objc_autorelease(make().leak().raw);
+  if (!*kept) *kept = make().leak().raw;
+  return *kept;
+}
 
 // What the implementation above ours does.
 template <platform::Literal Name, class R = void, class... A>
@@ -23,6 +33,7 @@ R sendToListController(id page, A... arguments) {
   const SEL name = platform::selector<Name>();
   const IMP inherited =
       platform::as<platform::NSObject>(platform::PSListController::cls()).instanceMethodFor(name);
+  if (!inherited) return R();
   return reinterpret_cast<Prototype>(inherited)(page, name, arguments...);
 }
 

@@ -20,14 +20,10 @@ constinit bool helpIsShown = false;
 // ---- Rows
 
 id specifiers(id self, SEL) {
-  id* const list = specifierList(self);
-  if (!*list) {
-    const PageSelectors selectors{selector<"readPreferenceValue:">(),
-                                  selector<"setPreferenceValue:specifier:">(),
-                                  selector<"askForReset:">()};
-    *list = makeSpecifiers(view(self), selectors, helpIsShown).leak().raw;
-  }
-  return *list;
+  const PageSelectors selectors{selector<"readPreferenceValue:">(),
+                                selector<"setPreferenceValue:specifier:">(),
+                                selector<"askForReset:">()};
+  return keptSpecifiers(self, [&] { return makeSpecifiers(view(self), selectors, helpIsShown); });
 }
 
 id readPreferenceValue(id, SEL, id row) { return shownValue(view<PSSpecifier>(row)).raw; }
@@ -66,6 +62,7 @@ void askForReset(id self, SEL, id) {
   const auto question = UIAlertView::make(UIAlertView::cls(), localized(kReset[0].label),
                                           localized(text::resetQuestion), classNamed<kClass>(),
                                           localized(text::cancel), localized(text::reset));
+  if (!question) return;
   objc_setAssociatedObject(question.get().raw, &kPageOfQuestion, self,
                            static_cast<uintptr_t>(Association::retain));
   question->show();

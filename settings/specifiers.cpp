@@ -72,7 +72,7 @@ void addRow(const Making& making, const Row& row) {
   const PSSpecifier specifier = specifierOf(making, row);
   specifier.setIdentifier(view<NSString>(objectOf(row.label)));
   specifier.setPropertyForKey(NSNumber::numberWithBool(hasEffect(making, row)), "enabled"_ns);
-  making.list.addObject(specifier);
+  if (specifier) making.list.addObject(specifier);
   if (!row.key) return;
   specifier.setPropertyForKey(row.key(), "key"_ns);
   if (row.kind == RowKind::chooser)
@@ -93,7 +93,7 @@ Retained<NSMutableArray> makeSpecifiers(Object page, const PageSelectors& select
   for (const Group& group : kPage) {
     const PSSpecifier heading = PSSpecifier::group(localized(group.title));
     heading.setPropertyForKey(footerOf(making, group), "footerText"_ns);
-    making.list.addObject(heading);
+    if (heading) making.list.addObject(heading);
     for (const Row& row : group.rows) addRow(making, row);
   }
   return list;

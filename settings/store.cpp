@@ -22,12 +22,15 @@ void eachSetting(Each each) {
 // anybody has changed the domain through it. So it is told the whole file: what it writes then is
 // what stands there.
 void tellDaemon(NSMutableDictionary settings) {
-  enumerate(settings.allKeys(), [&](Object object) {
+  const NSArray keys = settings.allKeys();
+  if (!keys) return;
+  enumerate(keys, [&](Object object) {
     const auto name = as<NSString>(object);
-    setStoredPreference(name, settings.objectForKey(name), preferences::domain());
+    if (const Object value = settings.objectForKey(name))
+      setStoredPreference(name, value, preferences::domain());
   });
   eachSetting([&](const Row& row) {
-    if (!settings.objectForKey(row.key()))
+    if (!keys.containsObject(row.key()))
       setStoredPreference(row.key(), Object{}, preferences::domain());
   });
   synchronizeStoredPreferences(preferences::domain());
@@ -43,6 +46,7 @@ Outcome save(NSMutableDictionary settings) {
 }  // namespace
 
 Outcome change(NSString key, Object value) {
+  if (!key) return Outcome::unwritable;
   auto settings = preferences::read();
   if (!settings) {
     if (NSFileManager::defaultManager().fileExistsAtPath(preferences::path()))
