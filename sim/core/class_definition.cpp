@@ -77,8 +77,10 @@ bool isKnownClass(const std::string& name) {
 void ClassDefinition::install(Process& process) const {
   const DeviceState& state = process.device.state;
   const bool missing = state.missingClasses.contains(name_);
-  // The platform itself cannot do without what every process has: that is only not to be found.
-  const bool hidden = missing && home_.where == Home::Where::Everywhere;
+  // The platform itself cannot do without what every process has, nor the Settings app without what
+  // its pages are made of: that is only not to be found.
+  const bool hidden =
+      missing && (home_.where == Home::Where::Everywhere || home_.name == kSettings);
   if (!isHome(home_, process) || (missing && !hidden)) return;
   if (!has(process, versions_)) return;
   Class* superclass = superclass_.empty() ? nullptr : &process.requireClass(superclass_);

@@ -21,10 +21,13 @@ PSListController::~PSListController() = default;
 
 std::vector<PSSpecifier*> PSListController::rows() {
   Object* answer = process.object(process.send(this, "specifiers").bits);
+  if (!answer) return {};
   auto* list = dynamic_cast<NSArray*>(answer);
   if (!list) throw Fault("a page whose specifiers are no array");
-  if (process.library().readPointer(listPlace(*this)) != list->address)
-    throw Fault("a page that does not keep its specifiers");
+  // The framework goes by the variable: a page that leaves it empty has no rows.
+  const Address kept = process.library().readPointer(listPlace(*this));
+  if (kept == 0) return {};
+  if (kept != list->address) throw Fault("a page that keeps other specifiers than it answers");
   std::vector<PSSpecifier*> all;
   for (std::size_t i = 0; i < list->size(); ++i) {
     all.push_back(dynamic_cast<PSSpecifier*>(list->at(i)));
@@ -58,8 +61,11 @@ PSSpecifier* PSListController::specifierAtIndex(long index) {
 
 long PSListController::indexForIndexPath(NSIndexPath* path) {
   if (!path) throw Fault("indexForIndexPath: nil");
-  std::size_t groups = 0;
   const auto all = rows();
+  // Rows before the first group are in one without a title.
+  const bool headless = !all.empty() && all[0]->cell != Cell::Group;
+  if (headless && path->section == 0) return static_cast<long>(path->row);
+  std::size_t groups = headless ? 1 : 0;
   for (std::size_t i = 0; i < all.size(); ++i)
     if (all[i]->cell == Cell::Group && groups++ == path->section)
       return static_cast<long>(i + 1 + path->row);

@@ -13,6 +13,24 @@ std::string fileOf(const std::string& domain) {
   return "/var/mobile/Library/Preferences/" + domain + ".plist";
 }
 
+// Whether all that `file` holds stands in `values` too.
+bool holds(plist_t values, plist_t file) {
+  plist_dict_iter iterator = nullptr;
+  plist_dict_new_iter(file, &iterator);
+  bool all = true;
+  for (;;) {
+    char* key = nullptr;
+    plist_t value = nullptr;
+    plist_dict_next_item(file, iterator, &key, &value);
+    if (!value) break;
+    plist_t kept = plist_dict_get_item(values, key);
+    all = all && kept && toXml(kept) == toXml(value);
+    std::free(key);
+  }
+  std::free(iterator);
+  return all;
+}
+
 void put(plist_t values, const std::string& key, PlistNode value) {
   if (value)
     plist_dict_set_item(values, key.c_str(), value.release());
@@ -72,8 +90,12 @@ void PreferencesDaemon::synchronize(const Process& by, const std::string& domain
 
 void PreferencesDaemon::flush() {
   flushIsDue_ = false;
-  for (auto& [name, domain] : domains_)
-    if (domain.changed) domain.changed = !writeFile(name, domain.values.get());
+  for (auto& [name, domain] : domains_) {
+    if (!domain.changed) continue;
+    const PlistNode before = readFile(name);
+    domain.changed = !writeFile(name, domain.values.get());
+    if (!domain.changed && !holds(domain.values.get(), before.get())) ++overwritten_;
+  }
 }
 
 void PreferencesDaemon::restart() {

@@ -18,6 +18,9 @@ class PreferencesDaemon final : public Service {
   PlistNode get(const Process& by, const std::string& domain, const std::string& key);  // a copy
   void synchronize(const Process& by, const std::string& domain);
 
+  // How often it wrote over what others had written meanwhile.
+  std::size_t overwritten() const { return overwritten_; }
+
   // The daemon is told to end: it writes what it has not written, and forgets everything.
   void restart();
   void processEnded(const Process& process) override;
@@ -38,6 +41,7 @@ class PreferencesDaemon final : public Service {
   Device& device_;
   std::map<std::string, Domain> domains_;
   bool flushIsDue_ = false;
+  std::size_t overwritten_ = 0;
   std::map<std::pair<std::uint64_t, std::string>, Changes> pending_;  // by process and domain
 };
 
