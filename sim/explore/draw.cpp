@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "sim/core/class_definition.hpp"
+#include "sim/explore/draw_page.hpp"
 #include "sim/explore/draw_world.hpp"
 #include "sim/explore/names.hpp"
 
@@ -301,6 +302,8 @@ constexpr Row kRows[] = {
     {2, neighbour},
     {1, category},
     {3, usedCategory},
+    {4, drawPageCommand},
+    {4, nullptr, drawPageVisit},
     {5, nullptr, deferredLaunch},
     {2, nullptr, greeting},
     {4, nullptr, interrupted},

@@ -8,6 +8,7 @@
 #include "sim/explore/names.hpp"
 #include "sim/scenario/settings_file.hpp"
 #include "sim/scenario/words.hpp"
+#include "sim/settings/preferences_daemon.hpp"
 
 namespace sim::explore {
 
@@ -46,12 +47,20 @@ std::optional<Violation> Invariants::check(const std::string& command) {
       {rule::kAnswered, &Invariants::answered},
       {rule::kOneGreeting, &Invariants::oneGreeting},
       {rule::kSettingsKept, &Invariants::settingsKept},
+      {rule::kPageKept, &Invariants::pageKept},
   };
   Words words;
   for (const auto& word : scenario::splitWords(command)) words.push_back(word.text);
   settings_ = scenario::readSettings(session_.device());
   interrupted_ = session_.device().interrupted() !=
                  std::exchange(interruptions_, session_.device().interrupted());
+  // What cfprefsd wrote its older copy over is lost without anybody here having done it: what was
+  // set outside of the page, or a marker of the greeting.
+  const std::size_t overwritten = session_.device().service<PreferencesDaemon>().overwritten();
+  if (overwritten != std::exchange(overwritten_, overwritten)) {
+    announced_.clear();
+    greeted_ = false;
+  }
   std::optional<Violation> first;
   for (const Row& row : kRows) {
     auto violation = (this->*row.check)(words);  // all of them, as some remember what they saw
@@ -65,6 +74,7 @@ std::optional<Violation> Invariants::check(const std::string& command) {
 
 void Invariants::settingsChangedOutside() {
   announced_.clear();
+  page_.forget();
   greeted_ = false;
 }
 
@@ -117,6 +127,7 @@ std::optional<Violation> Invariants::knownPosts(const Words&) {
       {kSpotify, {"QjnUR4g9fc9hLq"}},
       {kPodcasts, {"QjnUR4g9fc9hLq"}},
       {kGarmin, {"FejJ91yPhXo8E"}},
+      {kSettings, {"bfaK8ayWXeXMQum", "VNutj2BhJMTGTwVk"}},
   };
   static const std::set<std::string> others = {"VNutj2BhJMTGTwVk"};
   const std::string start = "notify_post(\"";
@@ -261,6 +272,8 @@ std::optional<Violation> Invariants::settingsKept(const Words& words) {
   if (interrupted_) announced_.clear();
   if (words[0] == "prefs") announced_.erase(words[1]);
   if (wasAny(words, {"prefs-file", "prefs-remove"})) announced_.clear();
+  if (words[0] == "settings")
+    for (const std::string& key : pageKeys()) announced_.erase(key);
   for (const auto& [key, value] : announced_) {
     const bool there = settings_ && settings_->contains(key);
     // The markers count by their presence, and their values are the library's to set.
@@ -274,6 +287,12 @@ std::optional<Violation> Invariants::settingsKept(const Words& words) {
   if (count("-[NSMutableDictionary initWithContentsOfFile:*", kSpringBoard) > 0)
     announced_ = settings_.value_or(std::map<std::string, std::string>{});
   return std::nullopt;
+}
+
+std::optional<Violation> Invariants::pageKept(const Words& words) {
+  const auto lost = page_.lost(session_, words, settings_);
+  if (!lost) return std::nullopt;
+  return Violation{{}, *lost, {}};
 }
 
 }  // namespace sim::explore

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "sim/explore/page_settings.hpp"
 #include "sim/scenario/runner.hpp"
 
 namespace sim::explore {
@@ -24,6 +25,7 @@ inline constexpr const char* kNeighbours = "another extension gets what it would
 inline constexpr const char* kAnswered = "a command reaches the platform once if it is answered";
 inline constexpr const char* kOneGreeting = "the user is greeted once";
 inline constexpr const char* kSettingsKept = "no announced setting is lost";
+inline constexpr const char* kPageKept = "no setting that was made is lost";
 }  // namespace rule
 
 // A broken invariant.
@@ -61,6 +63,7 @@ class Invariants {
   std::optional<Violation> answered(const Words& words);
   std::optional<Violation> oneGreeting(const Words& words);
   std::optional<Violation> settingsKept(const Words& words);
+  std::optional<Violation> pageKept(const Words& words);
 
   // Effects of the last command with that call, with * as wildcards, in a process or in any.
   std::size_t count(const std::string& call, const std::string& process = {}) const;
@@ -69,7 +72,9 @@ class Invariants {
   std::set<std::string> excused_;
   std::optional<std::map<std::string, std::string>> settings_;  // what the file holds now
   std::map<std::string, std::string> announced_;  // settings that SpringBoard has read
-  bool greeted_ = false;                          // and the file says so
+  PageSettings page_;
+  std::size_t overwritten_ = 0;     // by cfprefsd, so far
+  bool greeted_ = false;            // and the file says so
   std::size_t interruptions_ = 0;   // met so far: a command with one is more than its own words say
   bool interrupted_ = false;        // the last command was
   std::set<std::string> outdated_;  // processes whose classes are not the version's any more

@@ -62,6 +62,11 @@ constexpr Excuse kExcuses[] = {
     {"-[NSDictionary mutableCopy]", rule::kOneGreeting},
     {"-[NSMutableDictionary initWithContentsOfFile:*", rule::kOneGreeting},
     {"-[NSMutableDictionary initWithContentsOfFile:*", rule::kSettingsKept},
+    // A table of the system's that gets no cell from the system's own page ends its process.
+    {"*tableView:* cellForRowAtIndexPath:*", rule::kNoCrash},
+    {"*instanceMethodForSelector:tableView:cellForRowAtIndexPath:]", rule::kNoCrash},
+    // Settings that deny what they hold are told to cfprefsd without it.
+    {"-[NSMutableDictionary objectForKey:*", rule::kPageKept},
     // The file's path cannot be made.
     {"objc_getClass(\"NSString\")", rule::kOneGreeting},
     {"+[NSString stringWithFormat:*", rule::kOneGreeting},
