@@ -26,6 +26,7 @@ struct CommandLine {
   std::string image;
   std::string slice;  // the first that the image holds, if none is asked for
   std::string real;
+  std::string settingsPage;  // the product's, if none is named
   guest::GuestDebugging debugging;
   std::vector<std::string> files;
   search::SearchOptions search;
@@ -33,7 +34,7 @@ struct CommandLine {
   std::string checkUp;
 
   RunOptions options() const {
-    return {format == "json" ? Format::Json : Format::Text, calls == "all", leaks};
+    return {format == "json" ? Format::Json : Format::Text, calls == "all", leaks, settingsPage};
   }
 };
 
@@ -157,6 +158,10 @@ void addOptions(CLI::App& command, CommandLine& line) {
   command.add_option("--image", line.image, "run this device binary in place of the host build");
   command.add_option("--slice", line.slice, "which of the binary's slices")
       ->check(CLI::IsMember({"arm64", "armv7"}));
+  command
+      .add_option("--settings-page", line.settingsPage,
+                  "the page in the Settings app that this entry of PreferenceLoader's describes")
+      ->check(CLI::ExistingFile);
   command.add_flag("--guest-calls", line.debugging.calls,
                    "with --image: show calls between binary and platform");
   command.add_flag("--guest-steps", line.debugging.steps, "with --image: show every instruction");

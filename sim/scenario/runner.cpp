@@ -104,6 +104,7 @@ Status runScenario(const std::string& file, const std::string& text, LibraryLoad
     const Script script = parseScript(file, text);
     Output output(out, options.format);
     Session session(loader, output, options.allCalls);
+    session.device().state.settingsEntry = options.settingsPage;
     Status status = play(script, session, errors);
     if (!options.leaks) return status;
     for (const std::string& leak : session.leaks()) {

@@ -54,6 +54,7 @@ struct RunOptions {
   Format format = Format::Text;
   bool allCalls = false;
   bool leaks = false;
+  std::filesystem::path settingsPage{};  // an entry of PreferenceLoader's in place of the product's
 };
 
 // Runs a whole scenario on a fresh device: the trace to `out`, failed expectations and errors to

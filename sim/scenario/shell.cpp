@@ -65,6 +65,7 @@ Status runShell(LibraryLoader& loader, const RunOptions& options) {
   }
   Output output(std::cout, options.format);
   Session session(loader, output, options.allCalls);
+  session.device().state.settingsEntry = options.settingsPage;
   while (const auto line = readCommand(terminal)) {
     try {
       obey(session, *line);
