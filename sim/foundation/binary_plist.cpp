@@ -129,6 +129,8 @@ class BinaryPlist {
         return asciiIsKept(at);
       case kUnicode:
         return unicodeIsKept(at);
+      case kSet:  // belongs into no property list
+        return false;
       default:
         return true;
     }

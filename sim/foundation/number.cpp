@@ -1,5 +1,7 @@
 #include "sim/foundation/number.hpp"
 
+#include <utility>
+
 #include "sim/core/class_definition.hpp"
 #include "sim/foundation/definitions.hpp"
 
@@ -13,11 +15,22 @@ double asReal(const NSNumber::Number& number) {
 
 Ref<NSNumber> numberWithBool(Class& cls, bool value) { return makeNumber(cls.process, value); }
 
+// Whole numbers exactly, real ones with others as real ones.
+struct SameValue {
+  template <class A, class B>
+  bool operator()(A a, B b) const {
+    if constexpr (std::is_same_v<A, double> || std::is_same_v<B, double>)
+      return static_cast<double>(a) == static_cast<double>(b);
+    else
+      return std::cmp_equal(+a, +b);
+  }
+};
+
 }  // namespace
 
 bool NSNumber::equals(const Object& other) const {
   const auto* number = dynamic_cast<const NSNumber*>(&other);
-  return number && asReal(number->value) == asReal(value);
+  return number && std::visit(SameValue{}, number->value, value);
 }
 
 bool NSNumber::boolValue() const { return asReal(value) != 0; }

@@ -16,8 +16,9 @@ using PlistNode = std::unique_ptr<void, FreePlistNode>;
 
 // Null if the bytes are no property list by the platform's rules, are larger than 64 MiB, nest more
 // than 256 deep, hold a value that could not be written again as it is (a text with a zero byte, a
-// date after the year 9999), or (as the binary form can refer to one object from many places) would
-// grow beyond 50,000 objects. Old-style property lists, which the platform tries too, are left out.
+// date after the year 9999, a set), or (as the binary form can refer to one object from many
+// places) would grow beyond 50,000 objects. Old-style property lists, which the platform tries too,
+// are left out.
 PlistNode parsePropertyList(const std::string& bytes);
 
 // The property list in a file; also null if there is no such file, or a folder in its place.

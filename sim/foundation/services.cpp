@@ -1,6 +1,9 @@
 // NSURL and NSFileManager.
 #include "sim/foundation/services.hpp"
 
+#include <cctype>
+#include <utility>
+
 #include "sim/core/class_definition.hpp"
 #include "sim/core/device.hpp"
 #include "sim/foundation/definitions.hpp"
@@ -13,10 +16,29 @@ namespace {
 constexpr std::string_view kAddOnFolder = "/Library/MobileSubstrate/DynamicLibraries/";
 constexpr std::string_view kLibrarySuffix = ".dylib";
 
+// By RFC 2396, with the brackets of RFC 2732: what it excludes stands escaped, and one fragment.
+bool isAddress(const std::string& text) {
+  constexpr std::string_view kPlain = "-_.!~*'();/?:@&=+$,[]";
+  bool fragment = false;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const auto hex = [&](std::size_t at) {
+      return at < text.size() && std::isxdigit(static_cast<unsigned char>(text[at]));
+    };
+    if (text[i] == '%') {
+      if (!hex(i + 1) || !hex(i + 2)) return false;
+    } else if (text[i] == '#') {
+      if (std::exchange(fragment, true)) return false;
+    } else if (!std::isalnum(static_cast<unsigned char>(text[i])) &&
+               kPlain.find(text[i]) == std::string_view::npos) {
+      return false;
+    }
+  }
+  return true;
+}
+
 Ref<NSURL> urlWithString(Class& cls, NSString* text) {
   if (!text) throw Fault("+[NSURL URLWithString:] with nil");
-  // What an address cannot hold unescaped.
-  if (text->text.find_first_of(" \"<>\\^`{|}\n") != std::string::npos) return {};
+  if (!isAddress(text->text)) return {};
   return cls.process.make<NSURL>("NSURL", text->text);
 }
 
