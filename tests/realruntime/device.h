@@ -31,6 +31,7 @@ typedef struct {
 } Queued;
 
 typedef struct {
+  bool live;  // in real time, with GNUstep's notification daemon in place of the queue
   double version;
   int64_t now;  // microseconds
   App apps[kMostApps];

@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <filesystem>
 
 extern "C" {
@@ -196,8 +197,25 @@ void Host::advance(int64_t microseconds) {
   device->now = end;
 }
 
+bool Host::await(const std::string& text) {
+  const std::time_t latest = std::time(nullptr) + 30;
+  std::size_t found = 0;
+  while ((found = recent_.find(text)) == std::string::npos) {
+    if (std::time(nullptr) > latest || processes_.empty()) return false;
+    Words running;
+    for (const Process& process : processes_) running.push_back(process.identifier);
+    for (const std::string& process : running)
+      if (runs(process)) tell(process, {"run", "0.02"});
+    drain();
+  }
+  recent_.erase(0, found + text.size());
+  return true;
+}
+
 void Host::printTrace() {
-  std::fwrite(device->trace, 1, static_cast<std::size_t>(device->traceLength), stdout);
+  const std::string trace(device->trace, static_cast<std::size_t>(device->traceLength));
+  std::fwrite(trace.data(), 1, trace.size(), stdout);
+  if (device->live) recent_ += trace;
   device->traceLength = 0;
 }
 

@@ -32,6 +32,9 @@ class Host {
   // Works the queue off.
   void drain();
   void advance(int64_t microseconds);
+  // In real time: lets the processes run until the trace holds a line with this text; false if that
+  // takes longer than half a minute.
+  bool await(const std::string& text);
   // Where a path of the device lies on the host.
   std::string path(const std::string& devicePath) const { return device->root + devicePath; }
 
@@ -55,6 +58,7 @@ class Host {
   std::string library_;
   std::list<Process> processes_;  // in the order in which they started
   int started_ = 0;
+  std::string recent_;  // in real time, the trace since what was last waited for
 };
 
 void copyText(char* to, const std::string& text, std::size_t room = kText);

@@ -2,8 +2,9 @@
 // trace that `corvalen-sim run` prints. Expectations are passed over: they speak of the trace
 // alone.
 //
-//     corvalen-real SCENARIO
+//     corvalen-real [--live] SCENARIO
 //
+// --live plays in real time and through GNUstep's notification daemon; expectations wait.
 // Exit status: 0 it was played; 2 a command could not be done as the device was; 3 it holds what
 // this program leaves out, which is said on standard error.
 #include <cmath>
@@ -203,28 +204,43 @@ const Action* action(const std::string& name) {
 
 // ---- Playing
 
-std::vector<Line> read(std::istream& in) {
+std::vector<Line> read(std::istream& in, bool live) {
   std::vector<Line> lines;
   for (std::string text; std::getline(in, text);) {
     const auto first = text.find_first_not_of(" \t\r");
-    if (first == std::string::npos || text.compare(first, 6, "expect") == 0) continue;
+    if (first == std::string::npos) continue;
+    if (text.compare(first, 6, "expect") == 0) {
+      if (live) lines.push_back({text.substr(first), {{"expect"}}});
+      continue;
+    }
     Line line{sim::scenario::withoutComment(text), sim::scenario::splitWords(text)};
     if (!line.words.empty()) lines.push_back(std::move(line));
   }
   return lines;
 }
 
-int play(const std::string& library, std::istream& in) {
-  const std::vector<Line> lines = read(in);
+// In real time an expectation waits for its line of the trace.
+void awaitExpected(Host& host, const Line& line) {
+  const std::string text = line.echo.substr(line.echo.find(' ') + 1);
+  if (!host.await(text)) throw std::runtime_error("in half a minute there was no " + text);
+}
+
+int play(const std::string& library, std::istream& in, bool live) {
+  const std::vector<Line> lines = read(in, live);
   for (const Line& line : lines) {
     const bool aMood = line.is(0, "player") && !line.is(2, "after") && !line.is(2, "never");
-    if (action(line.word(0)) && !aMood) continue;
+    if ((action(line.word(0)) && !aMood) || line.is(0, "expect")) continue;
     std::cerr << "the command " << line.word(0) << '\n';
     return 3;
   }
   Host host(library);
+  device->live = live;
   for (const Line& line : lines) {
     std::printf("> %s\n", line.echo.c_str());
+    if (line.is(0, "expect")) {
+      awaitExpected(host, line);
+      continue;
+    }
     if (const auto answer = (*action(line.word(0)))(host, line))
       std::printf("= %s\n", *answer ? "YES" : "NO");
     host.drain();
@@ -237,17 +253,19 @@ int play(const std::string& library, std::istream& in) {
 }  // namespace real
 
 int main(int count, char** words) {
-  if (count != 2) {
-    std::cerr << "usage: corvalen-real SCENARIO\n";
+  const bool live = count == 3 && words[1] == std::string("--live");
+  if (count != 2 && !live) {
+    std::cerr << "usage: corvalen-real [--live] SCENARIO\n";
     return 2;
   }
+  const char* const scenario = words[count - 1];
   try {
-    std::ifstream file(words[1]);
+    std::ifstream file(scenario);
     if (!file) throw std::runtime_error("cannot be read");
     const auto program = std::filesystem::read_symlink("/proc/self/exe");
-    return real::play(program.parent_path() / "proCorvalen.so", file);
+    return real::play(program.parent_path() / "proCorvalen.so", file, live);
   } catch (const std::exception& error) {
-    std::cerr << words[1] << ": " << error.what() << '\n';
+    std::cerr << scenario << ": " << error.what() << '\n';
     return 2;
   }
 }

@@ -84,6 +84,14 @@ CLASS_AS_VARIABLE(_NSConcreteGlobalBlock, CVGlobalBlock);
 
 // ---- libdispatch, libnotify, dyld, the C library
 
+static NSNotificationCenter* darwinCenter(void) {
+  static NSNotificationCenter* center;
+  if (!center)
+    center = device->live ? [[NSDistributedNotificationCenter defaultCenter] retain]
+                          : [NSNotificationCenter new];
+  return center;
+}
+
 char mainQueue[64] PLATFORM(_dispatch_main_q);
 
 PROVIDE(void, dispatch_async, (void* queue, id block)) {
@@ -92,7 +100,10 @@ PROVIDE(void, dispatch_async, (void* queue, id block)) {
 }
 PROVIDE(uint32_t, notify_post, (const char* name)) {
   effect(@"notify_post(%@)", quoted([NSString stringWithUTF8String:name]));
-  enqueue(kPost, 0, name, NULL);
+  if (device->live)
+    [darwinCenter() postNotificationName:[NSString stringWithUTF8String:name] object:nil];
+  else
+    enqueue(kPost, 0, name, NULL);
   return 0;
 }
 PROVIDE(void*, dlopen, (const char* path, int mode)) {
@@ -119,12 +130,6 @@ typedef void (*Callback)(id center, void* observer, NSString* name, id object, i
   callback(center, observer, [notification name], [notification object], [notification userInfo]);
 }
 @end
-
-static NSNotificationCenter* darwinCenter(void) {
-  static NSNotificationCenter* center;
-  if (!center) center = [NSNotificationCenter new];
-  return center;
-}
 
 void deliverDarwin(NSString* name) { [darwinCenter() postNotificationName:name object:nil]; }
 

@@ -30,6 +30,10 @@ static id iconOf(NSString* className, NSString* identifier) {
   [shared(@"SpringBoard") applicationDidFinishLaunching:shared(@"SpringBoard")];
 }
 + (void)deliver:(NSArray*)w { deliverDarwin(WORD(1)); }
++ (void)run:(NSArray*)w {  // the real run loop, for so many seconds
+  NSDate* end = [NSDate dateWithTimeIntervalSinceNow:[WORD(1) doubleValue]];
+  [[NSRunLoop currentRunLoop] runUntilDate:end];
+}
 + (void)timer_due:(NSArray*)w { fireNextTimer(); }
 + (void)block:(NSArray*)w {
   id block = pointer(WORD(1));

@@ -15,7 +15,7 @@ enum { kReferenceDate = 978307200 };  // in seconds of the host's clock
 static int64_t past;
 
 int clock_gettime(clockid_t clock, struct timespec* time) {
-  if (!device || clock != CLOCK_REALTIME) return syscall(SYS_clock_gettime, clock, time);
+  if (!device || device->live || clock != CLOCK_REALTIME) return syscall(SYS_clock_gettime, clock, time);
   const int64_t now = device->now + past;
   *time = (struct timespec){kReferenceDate + now / 1000000, now % 1000000 * 1000};
   return 0;
