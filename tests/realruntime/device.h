@@ -68,6 +68,8 @@ App* installedApp(const char* identifier);  // null if it is not
 void enqueue(Kind kind, int process, const char* text, void* work);
 bool listHolds(const char* list, const char* name);
 
+// What all processes begin with: once, before the first of them, as it takes longer than the rest.
+void prepareFoundation(void);
 // A process of the device, from its first breath to its end: does what it is told through the
 // socket. Never returns.
 void runProcess(const char* identifier, int number, int socket, const char* library);

@@ -47,6 +47,7 @@ Host::Host(std::string library) : library_(std::move(library)) {
   device = static_cast<Device*>(
       mmap(nullptr, sizeof(Device), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
   if (device == MAP_FAILED) throw std::runtime_error("no memory for the device");
+  prepareFoundation();
   device->version = 1145.15;
   device->screenOn = device->accountsGranted = true;
   device->spotifyAfter = device->podcastsAfter = 1;

@@ -158,9 +158,15 @@ static NSBundle* makeBundle(const char* identifier) {
   return [[NSBundle bundleWithPath:path] retain];
 }
 
-void watchFoundation(const char* identifier) {
+void prepareFoundation(void) {
+  NSAutoreleasePool* pool = [NSAutoreleasePool new];
   [[NSUserDefaults standardUserDefaults]
       registerDefaults:[NSDictionary dictionaryWithObject:@"YES" forKey:@"GSMacOSXCompatible"]];
+  [NSBundle mainBundle];
+  [pool drain];
+}
+
+void watchFoundation(const char* identifier) {
   timers = [NSMutableArray new];
   bundle = makeBundle(identifier);
   replaceMethod(object_getClass([NSBundle class]), @selector(mainBundle), (IMP)mainBundle, NULL);
