@@ -87,18 +87,15 @@ SHARED(sharedInstance)
 - (id)playerViewController { return shared(@"MTPlayerViewController"); }
 - (BOOL)isPlaying { return classIsHere("MTPlayer") && phase == kPlaying; }
 @end
-CLASS(MTAppDelegate, NSObject)
-- (BOOL)application:(id)application willFinishLaunchingWithOptions:(id)options {
-  CALL(application, options);
-  return YES;
-}
-@end
-CLASS(MTAppDelegate_iOS, NSObject)
-- (BOOL)application:(id)application willFinishLaunchingWithOptions:(id)options {
-  CALL(application, options);
-  return YES;
-}
-@end
+#define PODCASTS_DELEGATE(name)                                                    \
+  CLASS(name, NSObject)                                                            \
+  -(BOOL)application : (id)application willFinishLaunchingWithOptions : (id)options { \
+    CALL(application, options);                                                    \
+    return YES;                                                                    \
+  }                                                                                \
+  @end
+PODCASTS_DELEGATE(MTAppDelegate)
+PODCASTS_DELEGATE(MTAppDelegate_iOS)
 
 // ---- Garmin Connect
 
