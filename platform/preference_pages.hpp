@@ -31,7 +31,6 @@ struct PSSpecifier : NSObject {
   void setPropertyForKey(Object value, NSString key) const {  // nil is ignored
     send<"setProperty:forKey:">(*this, value, key);
   }
-  void setIdentifier(NSString identifier) const { send<"setIdentifier:">(*this, identifier); }
   void setButtonAction(SEL action) const { send<"setButtonAction:">(*this, action); }
 };
 

@@ -70,7 +70,6 @@ Object chosenApp(const Making& making, NSString setting) {
 
 void addRow(const Making& making, const Row& row) {
   const PSSpecifier specifier = specifierOf(making, row);
-  specifier.setIdentifier(view<NSString>(objectOf(row.label)));
   specifier.setPropertyForKey(NSNumber::numberWithBool(hasEffect(making, row)), "enabled"_ns);
   if (specifier) making.list.addObject(specifier);
   if (!row.key) return;

@@ -154,7 +154,7 @@ TEST_F(SettingsPage, GreysWhatCanHaveNoEffect) {
 TEST_F(SettingsPage, ListsNoneAndThenTheAppsByTheirNames) {
   open();
   chooseApp(device, "Preferred Player", kSpotify);
-  searchInList(device, "Preferred Player", "");
+  openList(device, "Preferred Player");
   const auto rows = shownSettings(device).groups.at(0).rows;
   ASSERT_EQ(rows.size(), 4u);
   const std::vector<std::string> names = {rows[0].label, rows[1].label, rows[2].label,
@@ -168,13 +168,31 @@ TEST_F(SettingsPage, ListsNoneAndThenTheAppsByTheirNames) {
 
 TEST_F(SettingsPage, SearchesTheListByPartsOfNames) {
   open();
-  searchInList(device, "Preferred Player", "POD");
+  openList(device, "Preferred Player");
+  searchInList(device, "POD");
   const auto rows = shownSettings(device).groups.at(0).rows;
   ASSERT_EQ(rows.size(), 1u);
   EXPECT_EQ(rows[0].label, "Podcasts");
+  searchInList(device, "");
+  EXPECT_EQ(shownSettings(device).groups.at(0).rows.size(), 4u);
+  searchInList(device, "Pod");
   backFromList(device);
-  searchInList(device, "Music Replacement", "");
+  openList(device, "Music Replacement");
   EXPECT_EQ(shownSettings(device).groups.at(0).rows.size(), 4u) << "the next list has all again";
+}
+
+TEST_F(SettingsPage, ChecksTheAppThatWasTapped) {
+  open();
+  openList(device, "Preferred Player");
+  tapInList(device, kPodcasts);
+  ShownGroup list = shownSettings(device).groups.at(0);
+  for (const ShownRow& one : list.rows)
+    EXPECT_EQ(one.checked, one.label == "Podcasts") << one.label;
+  tapInList(device, "");
+  list = shownSettings(device).groups.at(0);
+  for (const ShownRow& one : list.rows) EXPECT_EQ(one.checked, one.label == "None") << one.label;
+  const auto& table = *navigation(*device.process(kSettings)).pages.back()->table();
+  EXPECT_TRUE(table.selected.empty()) << "a row stays highlighted";
 }
 
 TEST_F(SettingsPage, SaysWhereAppListIsMissing) {
@@ -187,6 +205,67 @@ TEST_F(SettingsPage, SaysWhereAppListIsMissing) {
 }
 
 // ---- What a change leaves
+
+TEST_F(SettingsPage, SetsTheKeyOfEachRow) {
+  static const std::map<std::string, std::string> kKeys = {
+      {"Enabled", "iea9AQXrEmhSZ4u"},
+      {"Start Hidden When Locked", "4sySMd4CfPOr0F"},
+      {"Start Hidden When Unlocked", "KwI68FtaZGgSizb"},
+      {"Play a Sound", "ljyr9pMzliGkTNvfm"},
+      {"Auto-Play", "LyyY0YZw4enaXR6S"},
+      {"Not From the Home Screen", "AiPVzGZ3tdh2fBpXy"},
+      {"Play When Plugged In", "I9gqmWG8wXu6"},
+  };
+  open();
+  moveSwitch(device, "Enabled", true);
+  moveSwitch(device, "Auto-Play", true);
+  for (const auto& [label, key] : kKeys) {
+    moveSwitch(device, label, false);
+    EXPECT_FALSE(isOn(key)) << label;
+    moveSwitch(device, label, true);
+    EXPECT_TRUE(isOn(key)) << label;
+    EXPECT_EQ(row(label).value, "YES") << label;
+  }
+  chooseApp(device, "Preferred Player", kSpotify);
+  chooseApp(device, "Music Replacement", kPodcasts);
+  EXPECT_NE(inFile(kPlayer).find(kSpotify), std::string::npos);
+  EXPECT_NE(inFile("RjNkaiHs98230Xx").find(kPodcasts), std::string::npos);
+  EXPECT_EQ(topAlert(*device.process(kSettings)), nullptr) << "an alert though all was saved";
+}
+
+// A switch that others do not hang on is not drawn anew: what it shows is what was set.
+TEST_F(SettingsPage, StillShowsWhatWasSetWhenRowsAreDrawnAnew) {
+  open();
+  moveSwitch(device, "Enabled", true);
+  moveSwitch(device, "Play a Sound", true);
+  navigation(*device.process(kSettings)).pages.back()->reload();
+  EXPECT_EQ(row("Play a Sound").value, "YES");
+}
+
+TEST_F(SettingsPage, PutsASwitchBackThatCouldNotBeSaved) {
+  open();
+  moveSwitch(device, "Enabled", true);
+  device.state.settingsReadOnly = true;
+  moveSwitch(device, "Play a Sound", true);
+  EXPECT_EQ(row("Play a Sound").value, "NO");
+  moveSwitch(device, "Enabled", false);
+  EXPECT_EQ(row("Enabled").value, "YES");
+}
+
+TEST_F(SettingsPage, HasTheStoreSynchronized) {
+  open();
+  calls.wantsAll = true;
+  moveSwitch(device, "Enabled", true);
+  EXPECT_TRUE(calls.has("CFPreferencesAppSynchronize(\"com.qvethmar.corvalenpro\")"));
+}
+
+// Kept and shown again, pages were blank on older versions.
+TEST_F(SettingsPage, IsMadeAnewWhenTheAppComesBack) {
+  open();
+  Process& settings = *device.process(kSettings);
+  auto& page = *navigation(settings).pages.back();
+  EXPECT_FALSE(settings.send(&page, "canBeShownFromSuspendedState").asBool());
+}
 
 TEST_F(SettingsPage, KeepsEveryOtherKey) {
   scenario::setSetting(device, kGreeted, true);
@@ -212,7 +291,9 @@ TEST_F(SettingsPage, ResetsItsNineSettingsAndNothingElse) {
     scenario::setSetting(device, key, true);
   scenario::setSetting(device, kPlayer, kSpotify);
   open();
-  resetSettings(device);
+  resetSettings(device, Answer::Cancel);
+  EXPECT_TRUE(isOn(kEnabled)) << "reset although it was cancelled";
+  resetSettings(device, Answer::Confirm);
   EXPECT_FALSE(isOn(kEnabled));
   EXPECT_FALSE(isOn("I9gqmWG8wXu6"));
   EXPECT_EQ(file().count(kPlayer), 0u);
@@ -248,9 +329,10 @@ TEST_F(SettingsPage, LosesNoReferenceWhateverIsTouched) {
   moveSwitch(device, "Enabled", true);
   tapHelp(device);
   chooseApp(device, "Preferred Player", kSpotify);
-  searchInList(device, "Preferred Player", "s");
+  openList(device, "Preferred Player");
+  searchInList(device, "s");
   backFromList(device);
-  resetSettings(device);
+  resetSettings(device, Answer::Confirm);
   device.state.settingsReadOnly = true;
   moveSwitch(device, "Enabled", true);
   device.drain();

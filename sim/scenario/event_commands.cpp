@@ -134,7 +134,7 @@ Action settingsCommand(Arguments& words) {
   if (what == 0) return doing(openSettings);
   if (what == 1) return doing(closeSettings);
   if (what == 4) return doing(tapHelp);
-  if (what == 5) return doing(resetSettings);
+  if (what == 5) return doing([](Device& device) { resetSettings(device, Answer::Confirm); });
   const std::string label = words.quoted("a label");
   if (what == 2) {
     const bool on = words.yesNo();

@@ -106,6 +106,7 @@ bool takesFinger(const Shown& row, const std::string& label, bool isRightKind, c
 }
 
 void tapRow(PSListController& page, const Shown& row) {
+  page.table()->selected.emplace_back(row.path->section, row.path->row);
   page.process.send(&page, "tableView:didSelectRowAtIndexPath:",
                     {Value::object(page.table()->address), Value::object(row.path->address)});
 }
@@ -181,13 +182,15 @@ void tapHelp(Device& device) {
   });
 }
 
-void resetSettings(Device& device) {
+void resetSettings(Device& device, Answer answer) {
   requireRow(device, "Reset Settings");
-  touch(device, [](Process& settings) {
+  touch(device, [answer](Process& settings) {
     PSListController& page = uppermost(settings);
     tapRow(page, find(page, "Reset Settings"));
     UIAlertView* question = topAlert(settings);
-    if (question) question->press(question->cancelButtonIndex() == 0 ? 1 : 0);
+    if (!question) return;
+    const long cancel = question->cancelButtonIndex();
+    question->press(answer == Answer::Cancel ? cancel : 1 - cancel);
   });
 }
 
@@ -210,11 +213,20 @@ ShownPage shownSettings(Device& device) {
   return shown;
 }
 
-void searchInList(Device& device, const std::string& label, const std::string& text) {
+void openList(Device& device, const std::string& label) {
   requireRow(device, label);
   touch(device, [&](Process& settings) {
     PSListController& page = uppermost(settings);
     tapRow(page, find(page, label));
+  });
+}
+
+void tapInList(Device& device, const std::string& app) {
+  touch(device, [&](Process& settings) { tapApp(uppermost(settings), app); });
+}
+
+void searchInList(Device& device, const std::string& text) {
+  touch(device, [&](Process& settings) {
     UISearchBar* bar = uppermost(settings).table()->searchBar();
     if (!bar) throw Fault("a list without a search bar");
     bar->type(text);

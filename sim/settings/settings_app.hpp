@@ -14,7 +14,8 @@ void moveSwitch(Device& device, const std::string& label, bool on);
 // Opens the list, taps the app (or none), and comes back. The app must be listed.
 void chooseApp(Device& device, const std::string& label, const std::optional<std::string>& app);
 void tapHelp(Device& device);
-void resetSettings(Device& device);  // and confirms
+enum class Answer : std::uint8_t { Cancel, Confirm };
+void resetSettings(Device& device, Answer answer);
 
 // ---- For who looks at it
 
@@ -38,9 +39,10 @@ struct ShownPage {
 // The page that is uppermost, drawn. ActionError if none is open.
 ShownPage shownSettings(Device& device);
 
-// Opens the list behind a row, types into its search bar, and leaves it open; backFromList() closes
-// it.
-void searchInList(Device& device, const std::string& label, const std::string& text);
+// Opens the list behind a row and leaves it open, for the three below.
+void openList(Device& device, const std::string& label);
+void searchInList(Device& device, const std::string& text);
+void tapInList(Device& device, const std::string& app);
 void backFromList(Device& device);
 
 }  // namespace sim

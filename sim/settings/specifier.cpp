@@ -84,9 +84,6 @@ ClassDefinition definePSSpecifier() {
       "setProperty:forKey:", [](PSSpecifier& self, Object* value, NSString* key) {
         self.setProperty(textOf(key), value);
       }));
-  add(detail::methodCode<PSSpecifier, void, NSString*>(
-      "setIdentifier:",
-      [](PSSpecifier& self, NSString* identifier) { self.setProperty("id", identifier); }));
   add(detail::methodCode<PSSpecifier, void, Selector>(
       "setButtonAction:", [](PSSpecifier& self, Selector action) {
         self.buttonAction = nameOf(self.process, action);
