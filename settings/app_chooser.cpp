@@ -78,7 +78,8 @@ id cellForRow(id self, SEL, id table, id indexPath) {
 
 void didSelectRow(id self, SEL, id table, id indexPath) {
   const NSString app = appOf(view<PSListController>(self).specifierAtIndexPath(view(indexPath)));
-  if (app) tell(change(setting(self), app.length() == 0 ? NSString{} : app));
+  const bool isNone = app.length() == 0;
+  if (app) tell(change(setting(self), isNone ? NSString{} : app));
   view<UITableView>(table).deselectRow(view(indexPath), true);
   view<PSListController>(self).reloadSpecifiers();
 }

@@ -10,9 +10,10 @@ using namespace platform;
 void tell(Outcome outcome) {
   if (outcome == Outcome::saved) return;
   const ConstantText what = outcome == Outcome::unreadable ? text::notRead : text::notSaved;
-  UIAlertView::make(UIAlertView::cls(), view<NSString>(objectOf(text::title)), localized(what),
-                    Object{}, localized(text::ok), NSString{})
-      ->show();
+  const NSString title = view<NSString>(objectOf(text::title));
+  const NSString message = localized(what);
+  const NSString ok = localized(text::ok);
+  UIAlertView::make(UIAlertView::cls(), title, message, Object{}, ok, NSString{})->show();
 }
 
 }  // namespace corvalen::settings

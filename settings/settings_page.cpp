@@ -41,8 +41,8 @@ void setPreferenceValue(id self, SEL, id value, id row) {
 // ---- Help
 
 void showHelpButton(id self) {
-  const auto button = UIBarButtonItem::make(localized(helpIsShown ? text::hideHelp : text::help),
-                                            view(self), selector<"toggleHelp:">());
+  const NSString title = localized(helpIsShown ? text::hideHelp : text::help);
+  const auto button = UIBarButtonItem::make(title, view(self), selector<"toggleHelp:">());
   view<PSListController>(self).navigationItem().setRightBarButtonItem(button.get());
 }
 
@@ -59,9 +59,12 @@ constexpr char kPageOfQuestion = 0;  // by its address
 // The class itself answers the alert: on some versions the superclass of its objects does, for
 // alerts of its own.
 void askForReset(id self, SEL, id) {
-  const auto question = UIAlertView::make(UIAlertView::cls(), localized(kReset[0].label),
-                                          localized(text::resetQuestion), classNamed<kClass>(),
-                                          localized(text::cancel), localized(text::reset));
+  const NSString title = localized(kReset[0].label);
+  const NSString message = localized(text::resetQuestion);
+  const NSString cancel = localized(text::cancel);
+  const NSString reset = localized(text::reset);
+  const ClassObject cls = classNamed<kClass>();
+  const auto question = UIAlertView::make(UIAlertView::cls(), title, message, cls, cancel, reset);
   if (!question) return;
   objc_setAssociatedObject(question.get().raw, &kPageOfQuestion, self,
                            static_cast<uintptr_t>(Association::retain));

@@ -26,7 +26,8 @@ NSString lines(NSString above, NSString below) {
 NSString closingLines() {
   const auto number = as<NSString>(ownBundle().infoValue("CFBundleShortVersionString"_ns));
   const NSString version = NSString::stringWithFormat(localized(text::version), number);
-  return lines(lines(localized(text::noRespring), localized(text::appStore)), version);
+  const NSString noRespring = localized(text::noRespring);
+  return lines(lines(noRespring, localized(text::appStore)), version);
 }
 
 // A chooser without a list is worth a line whether or not help is on.
