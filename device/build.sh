@@ -1,27 +1,40 @@
 #!/usr/bin/env bash
 # build.sh OUT: builds the device library for both architectures into OUT/proCorvalen.dylib, with
 # thin slices and, for back traces, unstripped ones beside it. The same sources give the same bytes
-# in any folder. `build.sh OUT NAME` builds, in the same way, what the library is measured against:
-# without_registration, plain_tweak or plain_tweak_with_metadata.
+# in any folder. `build.sh OUT NAME` builds, in the same way, the settings bundle and its entry
+# (CorvalenPro), or what the library is measured against: without_registration, plain_tweak or
+# plain_tweak_with_metadata.
 set -euo pipefail
 device=$(cd "$(dirname "$0")" && pwd)
 root=$(dirname "$device")
 out=$1
 identifier=${2:-proCorvalen}
-install_name=/Library/MobileSubstrate/DynamicLibraries/$identifier.dylib
+image=$identifier.dylib # in OUT
+install_name=/Library/MobileSubstrate/DynamicLibraries/$image
 headers=/usr/lib/llvm-19/include/c++/v1
 mkdir -p "$out"
 out=$(cd "$out" && pwd)
-work=$out/work
+work=$out/work.$identifier
 rm -rf "$work"
 mkdir -p "$work"
 
-mapfile -t sources < <(sed -n 's/^  \(.*\.cpp\)$/\1/p' "$root/library.cmake")
+# The sources that library.cmake lists under a name.
+listed() { sed -n "/^set($1\$/,/^)/s/^  \(.*\.cpp\)\$/\1/p" "$root/library.cmake"; }
+mapfile -t sources < <(listed CORVALEN_LIBRARY_SOURCES)
 strip=(-dead_strip)
 overriding=() # instead of functions of the same name
 more_imports=()
+not_linked=() # of what there are stubs for
 yardstick=device/yardstick
 case $identifier in
+  CorvalenPro)
+    mapfile -t sources < <(listed CORVALEN_SETTINGS_SOURCES)
+    image=CorvalenPro.bundle/CorvalenPro
+    install_name=/Library/PreferenceBundles/$image
+    not_linked=(CydiaSubstrate)
+    rm -rf "$out/CorvalenPro.bundle"
+    python3 "$root/settings/make_bundle.py" "$out" "$(cat "$root/VERSION")"
+    ;;
   without_registration) overriding=($yardstick/without_registration.cpp) ;;
   plain_tweak*)
     sources=($yardstick/plain_tweak.m)
@@ -30,7 +43,8 @@ case $identifier in
     strip=() # the 32-bit linker would strip the metadata
     ;;
 esac
-python3 "$device/stubs/make_stubs.py" "$out/stubs" "${more_imports[@]}"
+python3 "$device/stubs/make_stubs.py" "$work/stubs" "${more_imports[@]}"
+for library in "${not_linked[@]}"; do rm "$work/stubs/$library".*; done
 
 cplusplus=(-std=c++20 -fno-rtti -fvisibility-inlines-hidden -fno-threadsafe-statics
   -fno-c++-static-destructors -nostdinc++)
@@ -77,12 +91,12 @@ compile arm64 -funwind-tables
 compile armv7 -fno-unwind-tables -fno-asynchronous-unwind-tables
 
 ld64.lld-19 -arch arm64 -platform_version ios 7.0 9.3 -dylib -dead_strip -no_encryption \
-  -install_name "$install_name" -o "$work/arm64.dylib" "$work/arm64.o" "$out"/stubs/*.tbd
+  -install_name "$install_name" -o "$work/arm64.dylib" "$work/arm64.o" "$work"/stubs/*.tbd
 # The 32-bit linker knows pages of 4 KiB alone. In a second pass, filler makes each segment as long as
 # the 16 KiB pages of newer kernels want it.
 link_armv7() {
   ld64.lld.darwinold-13 -arch armv7 -ios_version_min 7.0 -sdk_version 9.3 -dylib "${strip[@]}" \
-    -install_name "$install_name" -o "$work/armv7.dylib" "$@" "$out"/stubs/*.armv7.dylib
+    -install_name "$install_name" -o "$work/armv7.dylib" "$@" "$work"/stubs/*.armv7.dylib
 }
 link_armv7 "$work/armv7.o"
 python3 "$device/tools/make_filler.py" "$work/armv7.dylib" >"$work/filler.s"
@@ -94,6 +108,6 @@ for slice in arm64 armv7; do
     "$out/$identifier.$slice.symbols" "$identifier"
 done
 llvm-lipo-19 -create "$out/$identifier.arm64.dylib" "$out/$identifier.armv7.dylib" \
-  -output "$out/$identifier.dylib"
-chmod 755 "$out/$identifier.dylib"
+  -output "$out/$image"
+chmod 755 "$out/$image"
 rm -rf "$work"

@@ -1,15 +1,19 @@
 #!/usr/bin/env python3
 """make_bundle.py OUT VERSION: all of the settings bundle but its executable.
 
-OUT/CorvalenPro.bundle gets Info.plist and the texts of every language, as property lists; beside it
-OUT/CorvalenPro.plist is the entry by which PreferenceLoader finds the page.
+OUT/CorvalenPro.bundle gets Info.plist, the icons, and the texts of every language, as property lists;
+beside it OUT/CorvalenPro.plist is the entry by which PreferenceLoader finds the page.
 """
 import pathlib
 import plistlib
 import re
+import shutil
 import sys
 
 TEXTS = pathlib.Path(__file__).parent / 'texts'
+# Made once from device/repository/icon.svg, for screens of one, two and three pixels a point:
+# rsvg-convert -w 29 icon.svg -o icon.png, with 58 for icon@2x.png and 87 for icon@3x.png.
+ICONS = pathlib.Path(__file__).parent / 'icons'
 TABLE = 'CorvalenPro.strings'  # also the name of the entry, by which its label is translated
 PAGE = 'CVPSettingsController'
 TITLE = 'Corvalen Pro'
@@ -82,6 +86,8 @@ def main():
     bundle = out / 'CorvalenPro.bundle'
     write(bundle / 'Info.plist', info(version))
     write(out / 'CorvalenPro.plist', entry())
+    for icon in sorted(ICONS.glob('*.png')):
+        shutil.copyfile(icon, bundle / icon.name)
     try:
         for path in sorted(TEXTS.glob('*.strings')):
             for language in [path.stem, *ALSO.get(path.stem, [])]:
