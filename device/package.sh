@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# package.sh [--repo DIR] [OUT]: builds the device library and its package into OUT (build/package by
-# default), checks both, and says what is in the package. With --repo, DIR becomes or is brought up to
-# date as an APT repository with the package, for any web server.
+# package.sh [--repo DIR] [OUT]: builds the device library, the settings bundle and the package of both
+# into OUT (build/package by default), checks them, and says what is in the package. With --repo, DIR
+# becomes or is brought up to date as an APT repository with the package, for any web server.
 set -euo pipefail
 device=$(cd "$(dirname "$0")" && pwd)
 repository=
@@ -20,8 +20,11 @@ export SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-1420070400}
 
 echo "Building the library for arm64 and armv7 …"
 "$device/build.sh" "$out/device"
-python3 "$device/tools/check_image.py" "$out/device/proCorvalen.dylib"
-python3 "$device/package/make_settings_pane.py" "$out/device/CorvalenPro.plist"
+echo "Building the settings bundle for arm64 and armv7 …"
+"$device/build.sh" "$out/device" CorvalenPro
+for image in proCorvalen.dylib CorvalenPro.bundle/CorvalenPro; do
+  python3 "$device/tools/check_image.py" "$out/device/$image"
+done
 
 # Only one is left to copy to a device: no other version, no part of earlier times.
 rm -f "$out"/com.qvethmar.corvalenpro*.deb

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""make_deb.py BUILD OUT [CONTENTS]: makes the package of what the build left in BUILD; prints its path.
+"""make_deb.py BUILD OUT: makes the package of what the build left in BUILD; prints its path.
 
 What is in it stands in contents.txt, what is said of it in control.in. The same input gives the same
 bytes: modes are set here, owners are 0, and every time is SOURCE_DATE_EPOCH, in seconds since 1970.
@@ -17,13 +17,11 @@ HERE = pathlib.Path(__file__).resolve().parent
 IDENTIFIER = 'com.qvethmar.corvalenpro'
 # Thin in 64 and in 32 bits, and with several slices.
 MACH_O = (b'\xcf\xfa\xed\xfe', b'\xce\xfa\xed\xfe', b'\xca\xfe\xba\xbe')
-# The picture of the settings page, where the package has it: Cydia shows pictures of the device alone.
-ICON = 'Library/PreferenceBundles/CorvalenPro.bundle/icon@2x.png'
 
 
-def listed(contents):
-    """(source, folder on the device) of each line."""
-    for line in contents.read_text().splitlines():
+def listed():
+    """(source, folder on the device) of each line of the list."""
+    for line in (HERE / 'contents.txt').read_text().splitlines():
         if line.strip() and not line.startswith('#'):
             source, folder = line.split()
             yield source, folder.lstrip('/')
@@ -37,8 +35,8 @@ def mode(path):
         return 0o755 if file.read(4) in MACH_O else 0o644
 
 
-def fill_stage(stage, contents, build):
-    for source, folder in listed(contents):
+def fill_stage(stage, build):
+    for source, folder in listed():
         path = build / source[6:] if source.startswith('BUILD/') else HERE / source
         target = stage / folder / path.name
         target.parent.mkdir(parents=True, exist_ok=True)
@@ -48,11 +46,8 @@ def fill_stage(stage, contents, build):
             shutil.copyfile(path, target)
 
 
-def control(stage):
+def control():
     known = publication.values()
-    known['ICON'] = known['URL'] and known['URL'] + '/CydiaIcon.png'
-    if (stage / ICON).is_file():
-        known['ICON'] = f'file:///{ICON}'
     known['CONTACT'] = f'<{known["CONTACT"]}>' if known['CONTACT'] else ''
     return publication.filled((HERE / 'control.in').read_text(), known)
 
@@ -68,15 +63,13 @@ def finish_stage(stage, seconds):
 
 def main():
     build, out = (pathlib.Path(argument).resolve() for argument in sys.argv[1:3])
-    contents = pathlib.Path(sys.argv[3]) if len(sys.argv) > 3 else HERE / 'contents.txt'
     version = publication.values()['VERSION']
     package = out / f'{IDENTIFIER}_{version}_iphoneos-arm.deb'
     with tempfile.TemporaryDirectory() as folder:
         stage = pathlib.Path(folder)
-        fill_stage(stage, contents, build)
-        text = control(stage)
+        fill_stage(stage, build)
         (stage / 'DEBIAN').mkdir()
-        (stage / 'DEBIAN' / 'control').write_text(text)
+        (stage / 'DEBIAN' / 'control').write_text(control())
         finish_stage(stage, int(os.environ['SOURCE_DATE_EPOCH']))
         # gzip is what the phones' dpkg unpacks.
         subprocess.run(['dpkg-deb', '-Zgzip', '--root-owner-group', '-b', stage, package], check=True,

@@ -13,7 +13,7 @@ import sys
 VERSION = pathlib.Path(__file__).resolve().parents[2] / 'VERSION'
 NOT_GIVEN = {
     'CORVALEN_CONTACT': 'Maintainer and Author have no address',
-    'CORVALEN_URL': 'there are no Homepage and Depiction, and no Icon from the web',
+    'CORVALEN_URL': 'there are no Homepage and Depiction',
 }
 
 

@@ -1,11 +1,12 @@
 #!/usr/bin/env python3
 """The package: what it says of itself, what is in it with which modes, and that the checks of it fail on
-a broken one. DEVICE_LIBRARY names the library that goes in."""
+a broken one. DEVICE_LIBRARY names the library that goes in; the settings bundle lies beside it."""
 import os
 import pathlib
 import plistlib
 import re
 import shutil
+import struct
 import subprocess
 import tempfile
 import unittest
@@ -14,7 +15,10 @@ import packed
 import check_package
 
 LIBRARIES = 'Library/MobileSubstrate/DynamicLibraries/'
-PAGE = 'Library/PreferenceLoader/Preferences/CorvalenPro.plist'
+ENTRY = 'Library/PreferenceLoader/Preferences/CorvalenPro.plist'
+BUNDLE = 'Library/PreferenceBundles/CorvalenPro.bundle/'
+ICONS = {'icon.png': 29, 'icon@2x.png': 58, 'icon@3x.png': 87}  # pixels
+LANGUAGES = ('de', 'en', 'es', 'fr', 'it', 'ja', 'zh-Hans', 'zh_CN')
 CONTACT, URL = 'someone@somewhere.org', 'https://somewhere.org/repo/'
 
 
@@ -40,6 +44,7 @@ class Fields(Packed):
         self.assertEqual(fields['Version'], packed.VERSION)
         self.assertEqual(fields['Architecture'], 'iphoneos-arm')
         self.assertEqual(fields['Section'], 'Tweaks')
+        self.assertEqual(fields['Icon'], f'file:///{BUNDLE}icon@2x.png')
         self.assertEqual(fields['Tag'], 'purpose::extension')
         self.assertEqual(
             fields['Depends'],
@@ -59,7 +64,8 @@ class Fields(Packed):
     def test_a_publisher_who_is_not_named_is_not_made_up(self):
         fields = self.fields()
         self.assertEqual((fields['Maintainer'], fields['Author']), ('Corvalen Pro',) * 2)
-        self.assertEqual({'Homepage', 'Depiction', 'Icon'} & set(fields), set())
+        self.assertEqual({'Homepage', 'Depiction'} & set(fields), set())
+        fields.pop('Icon')
         self.assertNotRegex(str(fields), r'@|\.example|://')
 
     def test_a_publisher_who_is_named(self):
@@ -67,7 +73,6 @@ class Fields(Packed):
         self.assertEqual((fields['Maintainer'], fields['Author']), (f'Corvalen Pro <{CONTACT}>',) * 2)
         self.assertEqual(fields['Homepage'], URL)
         self.assertEqual(fields['Depiction'], URL + 'depiction.html')
-        self.assertEqual(fields['Icon'], URL + 'CydiaIcon.png')
 
     def test_a_contact_or_an_address_that_is_none_ends_the_build(self):
         for publisher in ({'CORVALEN_CONTACT': 'someone'}, {'CORVALEN_CONTACT': 'a@b'},
@@ -94,11 +99,17 @@ class Contents(Packed):
             stage.chmod(0o2755)
         self.assertEqual(self.problems(packed.make_deb(self.folder, TMPDIR=str(stage))), '')
 
-    def test_holds_the_library_its_filter_and_the_page(self):
+    def test_holds_the_library_its_filter_the_bundle_and_its_entry(self):
         root = self.extracted()
-        files = sorted(str(p.relative_to(root)) for p in root.rglob('*') if p.is_file())
-        self.assertEqual(files, [LIBRARIES + 'proCorvalen.dylib', LIBRARIES + 'proCorvalen.plist', PAGE])
-        self.assertEqual((root / files[0]).read_bytes(), packed.LIBRARY.read_bytes())
+        files = {str(p.relative_to(root)) for p in root.rglob('*') if p.is_file()}
+        texts = {f'{BUNDLE}{language}.lproj/CorvalenPro.strings' for language in LANGUAGES}
+        icons = {BUNDLE + icon for icon in ICONS}
+        self.assertEqual(files, {LIBRARIES + 'proCorvalen.dylib', LIBRARIES + 'proCorvalen.plist', ENTRY,
+                                 BUNDLE + 'CorvalenPro', BUNDLE + 'Info.plist', *texts, *icons})
+        for file, built in ((LIBRARIES + 'proCorvalen.dylib', packed.LIBRARY),
+                            (BUNDLE + 'CorvalenPro', packed.BUNDLE / 'CorvalenPro')):
+            self.assertEqual((root / file).read_bytes(), built.read_bytes())
+            self.assertEqual((root / file).stat().st_mode & 0o777, 0o755)
 
     def test_the_filter_reaches_springboard_apps_and_the_accessory_daemons(self):
         data = (self.extracted() / LIBRARIES / 'proCorvalen.plist').read_bytes()
@@ -106,55 +117,94 @@ class Contents(Packed):
             'Mode': 'Any', 'Bundles': ['com.apple.springboard', 'com.apple.UIKit'],
             'Executables': ['BTAvrcp', 'BTLEServer', 'iapd']}})
 
-    def test_the_settings_page_writes_every_setting_and_announces_it(self):
-        pane = plistlib.loads((self.extracted() / PAGE).read_bytes())
-        self.assertEqual(pane['entry']['label'], 'Corvalen Pro')
-        keys = {item['key']: item for item in pane['items'] if 'key' in item}
-        header = (packed.ROOT / 'loader' / 'preferences.hpp').read_text()
-        declared = set(re.findall(r'return "(\w+)"_ns', header))
-        self.assertEqual(set(keys), declared - {'feo63OPBmERAd2000UpdRdCAND', 'hasShownWAL'})
-        for item in keys.values():
-            self.assertIn('bfaK8ayWXeXMQum',
-                          (item.get('PostNotification'), item.get('ALChangeNotification')))
 
-
-class Bundles(Packed):
-    """A folder takes one line of the list, and what is in it gets its modes and its place."""
+class Bundle(Packed):
+    """The settings bundle and its entry, as the package brings them to the Settings app."""
 
     def setUp(self):
         super().setUp()
-        bundle = self.build / 'CorvalenPro.bundle'
-        (bundle / 'en.lproj').mkdir(parents=True)
-        shutil.copy(packed.LIBRARY, bundle / 'CorvalenPro')
-        (bundle / 'Info.plist').write_bytes(plistlib.dumps({'CFBundleExecutable': 'CorvalenPro'}))
-        (bundle / 'en.lproj' / 'CorvalenPro.strings').write_text('"Enabled" = "Enabled";\n')
-        for path in bundle.rglob('*'):
+        self.root = self.folder / 'root'
+        packed.run('dpkg-deb', '-x', packed.make_deb(self.folder), self.root)
+        self.entry = plistlib.loads((self.root / ENTRY).read_bytes())
+        self.info = plistlib.loads((self.root / BUNDLE / 'Info.plist').read_bytes())
+
+    def test_names_what_is_in_it(self):
+        self.assertEqual(self.info['CFBundleIdentifier'], f'{packed.IDENTIFIER}.settings')
+        self.assertEqual(self.info['CFBundleExecutable'], 'CorvalenPro')
+        self.assertEqual(self.info['CFBundlePackageType'], 'BNDL')
+        for version in ('CFBundleShortVersionString', 'CFBundleVersion'):
+            self.assertEqual(self.info[version], packed.VERSION)
+        executable = (self.root / BUNDLE / 'CorvalenPro').read_bytes()
+        self.assertIn(self.info['NSPrincipalClass'].encode() + b'\0', executable)
+
+    def test_sets_every_setting_and_no_marker_and_announces_it(self):
+        executable = (self.root / BUNDLE / 'CorvalenPro').read_bytes()
+        header = (packed.ROOT / 'loader' / 'settings_file.hpp').read_text()
+        declared = {name: f'\0{key}\0'.encode() for name, key in
+                    re.findall(r'inline NSString (\w+)\(\) \{ return "(\w+)"_ns', header)}
+        self.assertEqual({name for name, key in declared.items() if key not in executable},
+                         {'greeted', 'welcomeAnswered'})
+        self.assertIn(b'\0bfaK8ayWXeXMQum\0', executable)
+
+    def test_the_entry_leads_to_it(self):
+        entry = self.entry['entry']
+        self.assertEqual(entry['bundle'], 'CorvalenPro')
+        self.assertEqual(entry['cell'], 'PSLinkCell')
+        self.assertIs(entry['isController'], True)
+        self.assertIs(entry['overridePrincipalClass'], True)
+        self.assertEqual(entry['detail'], self.info['NSPrincipalClass'])
+        self.assertIn(entry['icon'], ICONS)
+        # The greeting opens the page by its identifier; the label is translated.
+        self.assertEqual((entry['id'], entry['label']), ('Corvalen Pro',) * 2)
+
+    def test_the_entry_is_there_on_the_supported_versions_only(self):
+        def as_float(number):
+            return struct.unpack('f', struct.pack('f', number))[0]
+        bounds = self.entry['filter']['CoreFoundationVersion']
+        self.assertEqual(len(bounds), 2)
+        lower, upper = map(as_float, bounds)
+        for version, supported in {793.0: False, 847.2: True, 847.21: True, 1129.15: True, 1141.14: True,
+                                   1240.1: True, 1241.14: True, 1280.0: True, 1280.3: False}.items():
+            for read in (version, as_float(version)):
+                self.assertEqual(lower <= read < upper, supported, version)
+
+    def test_icons_are_of_their_sizes(self):
+        for icon, pixels in ICONS.items():
+            data = (self.root / BUNDLE / icon).read_bytes()
+            self.assertEqual(data[:8], b'\x89PNG\r\n\x1a\n')
+            self.assertEqual(struct.unpack('>II', data[16:24]), (pixels, pixels), icon)
+
+    def test_every_language_has_every_text(self):
+        tables = {language: plistlib.loads(
+            (self.root / BUNDLE / f'{language}.lproj' / 'CorvalenPro.strings').read_bytes())
+            for language in LANGUAGES}
+        self.assertIn('Enabled', tables['en'])
+        for language, table in tables.items():
+            self.assertEqual(set(table), set(tables['en']), language)
+        self.assertEqual(tables['zh_CN'], tables['zh-Hans'])
+
+
+class Modes(Packed):
+    """Whatever the build left, files and folders get their modes and their owner."""
+
+    def setUp(self):
+        super().setUp()
+        for path in (self.build / 'CorvalenPro.bundle').rglob('*'):
             path.chmod(0o777 if path.suffix == '.plist' else 0o700)
-        self.contents = self.folder / 'contents.txt'
-        self.contents.write_text((packed.PACKAGE / 'contents.txt').read_text() +
-                                 'BUILD/CorvalenPro.bundle  /Library/PreferenceBundles\n')
 
-    def test_one_line_and_every_mode_is_right(self):
-        package = packed.make_deb(self.folder, self.contents)
+    def test_every_mode_is_right(self):
+        package = packed.make_deb(self.folder)
         members = {m.name: m for m in check_package.tree(package, '--fsys-tarfile')}
-        bundle = './Library/PreferenceBundles/CorvalenPro.bundle'
-        for name, mode in {'': 0o755, '/CorvalenPro': 0o755, '/Info.plist': 0o644, '/en.lproj': 0o755,
-                           '/en.lproj/CorvalenPro.strings': 0o644}.items():
-            member = members[bundle + name]
+        for name, mode in {'': 0o755, 'CorvalenPro': 0o755, 'Info.plist': 0o644, 'en.lproj': 0o755,
+                           'icon.png': 0o644, 'en.lproj/CorvalenPro.strings': 0o644}.items():
+            member = members[f'./{BUNDLE}{name}'.rstrip('/')]
             self.assertEqual((member.mode, member.uid, member.gid), (mode, 0, 0), name)
-        self.assertEqual(self.problems(package), '')
-
-    def test_the_picture_of_the_page_is_that_of_the_package(self):
-        (self.build / 'CorvalenPro.bundle' / 'icon@2x.png').write_bytes(b'\x89PNG')
-        package = packed.make_deb(self.folder, self.contents, CORVALEN_URL=URL)
-        self.assertEqual(check_package.fields(package)['Icon'],
-                         'file:///Library/PreferenceBundles/CorvalenPro.bundle/icon@2x.png')
         self.assertEqual(self.problems(package), '')
 
     def test_a_link_is_refused(self):
         (self.build / 'CorvalenPro.bundle' / 'other').symlink_to('CorvalenPro')
         with self.assertRaises(subprocess.CalledProcessError):
-            packed.make_deb(self.folder, self.contents)
+            packed.make_deb(self.folder)
 
 
 class BrokenPackages(Packed):
@@ -172,15 +222,16 @@ class BrokenPackages(Packed):
 
     def test_modes(self):
         dylib = LIBRARIES + 'proCorvalen.dylib'
-        for name, mode in ((dylib, 0o644), (PAGE, 0o755), (PAGE, 0o600), ('Library', 0o700)):
+        bundle = BUNDLE + 'CorvalenPro'
+        for name, mode in ((dylib, 0o644), (bundle, 0o644), (ENTRY, 0o755), (ENTRY, 0o600), ('Library', 0o700)):
             self.assertIn(f'{name} has mode {mode:o}',
                           self.broken(lambda root: (root / name).chmod(mode)))
 
     def test_owners(self):
         def give_away(root):
             if os.getuid() == 0:  # anybody else owns it already
-                os.chown(root / PAGE, 501, 501)
-        self.assertRegex(self.broken(give_away, '-Zgzip'), f'{PAGE} belongs to [1-9]')
+                os.chown(root / ENTRY, 501, 501)
+        self.assertRegex(self.broken(give_away, '-Zgzip'), f'{ENTRY} belongs to [1-9]')
 
     def test_compression(self):
         self.assertIn('old phones do not unpack',
@@ -192,20 +243,18 @@ class BrokenPackages(Packed):
             (root / 'DEBIAN' / 'postinst').chmod(0o755)
         self.assertIn('postinst', self.broken(add_script))
         self.assertIn('neither file nor folder',
-                      self.broken(lambda root: (root / PAGE).with_name('link').symlink_to('/')))
+                      self.broken(lambda root: (root / ENTRY).with_name('link').symlink_to('/')))
 
     def test_what_is_the_users_or_nobodys(self):
         def add_settings(root):
             (root / 'var').mkdir()
             (root / 'var' / 'settings.plist').write_bytes(plistlib.dumps({}))
         self.assertIn('does not belong into the package', self.broken(add_settings))
-        self.assertIn('is no property list', self.broken(lambda root: (root / PAGE).write_text('<a>')))
+        self.assertIn('is no property list', self.broken(lambda root: (root / ENTRY).write_text('<a>')))
 
     def test_an_icon_that_is_not_there(self):
-        def name_icon(root):
-            with (root / 'DEBIAN' / 'control').open('a') as control:
-                control.write('Icon: file:///Library/none.png\n')
-        self.assertIn('none.png is not in the package', self.broken(name_icon))
+        self.assertIn('icon@2x.png is not in the package',
+                      self.broken(lambda root: (root / BUNDLE / 'icon@2x.png').unlink()))
 
 
 if __name__ == '__main__':

@@ -1,4 +1,5 @@
-"""The package and the repository, made of a device library that is built already, for the tests."""
+"""The package and the repository, made of a device library and a settings bundle that are built already,
+for the tests."""
 import os
 import pathlib
 import shutil
@@ -13,6 +14,8 @@ VERSION = (ROOT / 'VERSION').read_text().strip()
 IDENTIFIER = 'com.qvethmar.corvalenpro'
 FILE_NAME = f'{IDENTIFIER}_{VERSION}_iphoneos-arm.deb'
 LIBRARY = pathlib.Path(os.environ['DEVICE_LIBRARY'])
+BUNDLE = LIBRARY.with_name('CorvalenPro.bundle')
+ENTRY = LIBRARY.with_name('CorvalenPro.plist')
 
 
 def run(*command, **publisher):
@@ -26,13 +29,14 @@ def build(folder):
     """What the build leaves, in a new folder."""
     folder.mkdir()
     shutil.copy(LIBRARY, folder)
-    run('python3', PACKAGE / 'make_settings_pane.py', folder / 'CorvalenPro.plist')
+    shutil.copytree(BUNDLE, folder / BUNDLE.name)
+    shutil.copy(ENTRY, folder)
     return folder
 
 
-def make_deb(folder, *contents, **publisher):
+def make_deb(folder, **publisher):
     """The package in `folder`, of what lies in its folder `build`."""
-    made = run('python3', PACKAGE / 'make_deb.py', folder / 'build', folder, *contents, **publisher)
+    made = run('python3', PACKAGE / 'make_deb.py', folder / 'build', folder, **publisher)
     return pathlib.Path(made.strip())
 
 
