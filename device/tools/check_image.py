@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""check_image.py FILE: what the loaders of iOS 7 to 9 demand of the library, and what we do.
+"""check_image.py FILE: what the loaders of iOS 7 to 9 demand of an image, and what we do. The image is
+the library or, by its install name, the settings bundle's executable.
 
 Reads the file by itself and with LLVM's tools. Prints what is wrong; exit status 1 if anything is.
 """
@@ -14,6 +15,10 @@ import image_uuid
 import macho
 
 STUBS = pathlib.Path(__file__).parent.parent / 'stubs' / 'imports.txt'
+# Where images lie, and what they must not link there, though the build has it.
+SUBSTRATE = '/Library/Frameworks/CydiaSubstrate.framework/CydiaSubstrate'
+NOT_LINKED = {'/Library/MobileSubstrate/DynamicLibraries/': set(),
+              '/Library/PreferenceBundles/': {SUBSTRATE}}
 LARGEST = 64 * 1024  # bytes a slice
 INITIALISERS, ZERO_FILL = 9, 1
 WEAK_FLAGS = 0x18000
@@ -140,8 +145,16 @@ def import_problems(path, image):
     for symbol in undefined:
         if symbol.startswith('_') and symbol not in names:
             yield f'{symbol} is undefined and not bound'
+
+
+def link_problems(image):
+    place = next((p for p in NOT_LINKED if image.install_name().startswith(p)), None)
+    if not place:
+        yield f'"{image.install_name()}" is none of the places of images'
+        return
+    allowed = set(exporters().values()) - NOT_LINKED[place]
     for name, _ in image.linked_libraries():
-        if name not in libraries.values():
+        if name not in allowed:
             yield f'{name} is linked'
 
 
@@ -181,6 +194,7 @@ def slice_problems(path, image):
     yield from command_problems(image)
     yield from initialiser_problems(image)
     yield from code_problems(image)
+    yield from link_problems(image)
     yield from signature_problems(image)
     yield from uuid_problems(image)
     try:

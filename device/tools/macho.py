@@ -79,6 +79,14 @@ class Image:
                 kind, = struct.unpack_from('<I', command, at + (64 if self.wide else 56))
                 yield segment, name, address, size, offset, kind & 0xff
 
+    def install_name(self):
+        """Where the file says it lies on a phone; nothing if it does not say."""
+        command = self.command(ID_DYLIB)
+        if not command:
+            return ''
+        start, = struct.unpack_from('<I', command, 8)
+        return bytes(command[start:]).split(b'\0')[0].decode()
+
     def linked_libraries(self):
         """(install name, compatibility version) of each library that is linked."""
         for command in self.commands:
