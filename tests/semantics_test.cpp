@@ -111,9 +111,7 @@ class Semantics : public DeviceTest {
     if (dictionary) process.autorelease(Ref<Object>(dictionary)), dictionary->libraryRelease();
     return dictionary;
   }
-  void write(const std::string& bytes) {
-    std::ofstream(device.hostPath(kFile), std::ios::binary) << bytes;
-  }
+  void write(const std::string& bytes) { device.files.write(kFile, bytes); }
   Object* element(Process& process, const std::string& bytes) {
     write(bytes);
     NSDictionary* dictionary = read(process);

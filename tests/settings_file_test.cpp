@@ -1,8 +1,6 @@
 // What the settings file holds after the library has written it.
 #include "sim/scenario/settings_file.hpp"
 
-#include <fstream>
-
 #include "sim/foundation/plist_file.hpp"
 #include "sim/foundation/plist_scalars.hpp"
 #include "sim/foundation/property_list.hpp"
@@ -15,9 +13,9 @@ namespace {
 class SettingsFile : public DeviceTest {
  protected:
   std::string contents() const {
-    std::ifstream file(
-        device.hostPath("/var/mobile/Library/Preferences/com.qvethmar.corvalenpro.plist"));
-    return {std::istreambuf_iterator<char>(file), {}};
+    const std::string* file =
+        device.files.read("/var/mobile/Library/Preferences/com.qvethmar.corvalenpro.plist");
+    return file ? *file : std::string();
   }
   static std::size_t count(const std::string& text, const std::string& part) {
     std::size_t found = 0;
@@ -96,8 +94,7 @@ TEST_F(SettingsFile, KeepsValuesOfEveryTypeAsTheyWere) {
 // In a folder's place nothing can be written, and nothing but that happens.
 TEST_F(SettingsFile, MayBeAFolder) {
   const std::string path = "/var/mobile/Library/Preferences/com.qvethmar.corvalenpro.plist";
-  const auto folder = device.hostPath(path);
-  std::filesystem::create_directory(folder);
+  device.files.makeFolder(path);
   EXPECT_FALSE(scenario::readSettings(device));
   EXPECT_THROW(scenario::setSetting(device, "key", true), ActionError);
   EXPECT_THROW(scenario::setSetting(device, "key", scenario::Absent{}), ActionError);
@@ -109,14 +106,13 @@ TEST_F(SettingsFile, MayBeAFolder) {
   for (const std::string& call : calls.all) EXPECT_FALSE(call.starts_with("crash")) << call;
   EXPECT_TRUE(calls.has("-[NSMutableDictionary writeToFile:\"" + path + "\" atomically:YES]"));
   EXPECT_FALSE(writePropertyList(*makeDictionary(process), path));
-  EXPECT_TRUE(std::filesystem::is_directory(folder));
-  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.parent_path()), {}), 1);
+  EXPECT_TRUE(device.files.isFolder(path));
+  EXPECT_EQ(device.files.all(), std::vector<std::string>());
 }
 
-TEST_F(SettingsFile, LeavesNoAuxiliaryFileBehind) {
+TEST_F(SettingsFile, IsTheOnlyFileThatIsMade) {
   booted();
-  const auto folder = device.hostPath("/var/mobile/Library/Preferences");
-  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 1);
+  EXPECT_EQ(device.files.all().size(), 1u);
 }
 
 TEST_F(SettingsFile, ThePathIsFormattedAtEachUse) {

@@ -7,8 +7,6 @@
 
 namespace sim {
 
-namespace fs = std::filesystem;
-
 namespace {
 
 // Objects and selectors live where neither the library nor memory handed to it ever is, below
@@ -16,12 +14,6 @@ namespace {
 constexpr Address kFirstSelector = 0x50000000;
 constexpr Address kFirstObject = 0x60000000;
 constexpr Address kStep = 16;
-
-fs::path makeRoot() {
-  std::string pattern = (fs::temp_directory_path() / "corvalen-device-XXXXXX").string();
-  if (!mkdtemp(pattern.data())) throw std::runtime_error("cannot make " + pattern);
-  return pattern;
-}
 
 }  // namespace
 
@@ -31,20 +23,13 @@ App* DeviceState::app(const std::string& identifier) {
 }
 
 Device::Device(Trace& trace, LibraryLoader& loader)
-    : trace(trace), loader(loader), root_(makeRoot()), nextObject_(kFirstObject) {
-  fs::create_directories(hostPath("/var/mobile/Library/Preferences"));
+    : trace(trace), loader(loader), nextObject_(kFirstObject) {
   loader.setVersion(state.version);
 }
 
 Device::~Device() {
   while (!processes_.empty()) endProcess(*processes_.front());
   dead_.clear();
-  std::error_code ignored;
-  fs::remove_all(root_, ignored);
-}
-
-fs::path Device::hostPath(const std::string& devicePath) const {
-  return root_ / fs::path(devicePath).relative_path();
 }
 
 void Device::setVersion(double version) {

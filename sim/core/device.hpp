@@ -13,6 +13,7 @@
 #include <typeindex>
 
 #include "sim/core/clock.hpp"
+#include "sim/core/files.hpp"
 #include "sim/core/process.hpp"
 
 namespace sim {
@@ -97,7 +98,6 @@ class Service {
 
 class Device {
  public:
-  // Works on a fresh folder for its file system, removed at the end.
   Device(Trace& trace, LibraryLoader& loader);
   ~Device();
   Device(const Device&) = delete;
@@ -117,8 +117,7 @@ class Device {
     return static_cast<T&>(*slot);
   }
 
-  // The host's path of a path on the device.
-  std::filesystem::path hostPath(const std::string& devicePath) const;
+  Files files;
 
   void setVersion(double version);
 
@@ -170,7 +169,6 @@ class Device {
     std::function<void()> work;
   };
   std::map<std::type_index, std::unique_ptr<Service>> services_;
-  std::filesystem::path root_;
   std::list<std::unique_ptr<Process>> processes_;
   std::list<std::unique_ptr<Process>> dead_;  // kept until nothing of theirs runs any more
   std::deque<Queued> queue_;

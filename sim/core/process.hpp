@@ -161,6 +161,7 @@ class Process {
   static Implementation previousOf(Class& cls, const std::string& selector, const Method& found);
   Value runWatched(const NativeCode& code, Invocation& invocation);
   Object* literal(Address address);
+  std::vector<std::string> sharedLeaks() const;
   Address platformVariable(const std::string& name, std::optional<Framework> only);
   bool isExported(Framework by, std::optional<Framework> only) const;
   void installClasses();

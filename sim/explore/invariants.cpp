@@ -51,7 +51,9 @@ std::optional<Violation> Invariants::check(const std::string& command) {
   };
   Words words;
   for (const auto& word : scenario::splitWords(command)) words.push_back(word.text);
-  settings_ = scenario::readSettings(session_.device());
+  const std::uint64_t changes = session_.device().files.changes();
+  if (changes != std::exchange(fileChanges_, changes) || !settings_)
+    settings_ = scenario::readSettings(session_.device());
   interrupted_ = session_.device().interrupted() !=
                  std::exchange(interruptions_, session_.device().interrupted());
   // What cfprefsd wrote its older copy over is lost without anybody here having done it: what was

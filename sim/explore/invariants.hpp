@@ -72,6 +72,7 @@ class Invariants {
   std::set<std::string> excused_;
   std::optional<std::map<std::string, std::string>> settings_;  // what the file holds now
   std::map<std::string, std::string> announced_;  // settings that SpringBoard has read
+  std::uint64_t fileChanges_ = 0;                 // met so far
   PageSettings page_;
   std::size_t overwritten_ = 0;     // by cfprefsd, so far
   bool greeted_ = false;            // and the file says so

@@ -1,7 +1,5 @@
 #include "sim/foundation/property_list.hpp"
 
-#include <fstream>
-
 #include "sim/core/device.hpp"
 #include "sim/foundation/array.hpp"
 #include "sim/foundation/data.hpp"
@@ -119,30 +117,19 @@ PlistNode toNode(const Object& object) {
 }  // namespace
 
 Ref<NSDictionary> readPropertyList(Process& process, const std::string& devicePath) {
-  const PlistNode root = readPropertyListFile(process.device.hostPath(devicePath));
-  if (!root || plist_get_node_type(root.get()) != PLIST_DICT) return {};
-  return toDictionary(process, root.get());
+  plist_t root = propertyListIn(process.device.files, devicePath);
+  if (!root || plist_get_node_type(root) != PLIST_DICT) return {};
+  return toDictionary(process, root);
 }
 
 PlistNode toPropertyListNode(const Object& object) { return toNode(object); }
 
 Ref<Object> fromPropertyListNode(Process& process, plist_t node) { return toObject(process, node); }
 
-bool writePropertyListFile(const Device& device, const std::string& devicePath, plist_t root) {
+bool writePropertyListFile(Device& device, const std::string& devicePath, plist_t root) {
   if (device.state.settingsReadOnly) return false;
-  const std::string xml = toXml(root);
-  if (xml.empty()) return false;
-  const auto path = device.hostPath(devicePath);
-  auto auxiliary = path;
-  auxiliary += ".new";
-  std::ofstream file(auxiliary, std::ios::binary | std::ios::trunc);
-  file << xml;
-  file.close();
-  std::error_code error;
-  if (file) std::filesystem::rename(auxiliary, path, error);
-  const bool written = file && !error;
-  if (!written) std::filesystem::remove(auxiliary, error);
-  return written;
+  std::string xml = toXml(root);
+  return !xml.empty() && device.files.write(devicePath, std::move(xml));
 }
 
 bool writePropertyList(const NSDictionary& dictionary, const std::string& devicePath) {

@@ -14,11 +14,10 @@ Ref<NSDictionary> readPropertyList(Process& process, const std::string& devicePa
 PlistNode toPropertyListNode(const Object& object);
 Ref<Object> fromPropertyListNode(Process& process, plist_t node);
 
-// Writes a dictionary as XML, by an auxiliary file and a renaming. False if that fails, or if the
-// settings file is read-only.
-bool writePropertyListFile(const Device& device, const std::string& devicePath, plist_t root);
-// Writes to an auxiliary file and renames it. False if that fails, if the settings file is
-// read-only, or if a value is none that a property list can hold.
+// Writes a dictionary as XML, the whole file at once. False if that fails, or if the settings file
+// is read-only.
+bool writePropertyListFile(Device& device, const std::string& devicePath, plist_t root);
+// The same for a dictionary object. Also false if a value is none that a property list can hold.
 bool writePropertyList(const NSDictionary& dictionary, const std::string& devicePath);
 
 }  // namespace sim

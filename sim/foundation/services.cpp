@@ -52,8 +52,7 @@ class NSFileManager final : public Object {
                                     text.size() - kAddOnFolder.size() - kLibrarySuffix.size());
       if (process.device.state.addOns.contains(name)) return true;
     }
-    std::error_code ignored;
-    return std::filesystem::exists(process.device.hostPath(text), ignored);
+    return process.device.files.exists(text);
   }
 };
 

@@ -1,6 +1,5 @@
 #include "sim/inject/injector.hpp"
 
-#include <filesystem>
 
 #include "sim/core/describe.hpp"
 #include "sim/platform/device_actions.hpp"
@@ -127,11 +126,11 @@ bool Injector::before(Device& device, const std::string& line) {
   if (line != "boot" && line != "announce" && !line.starts_with("start ")) return false;
   bool changed = false;
   for (const InjectedFault& fault : faults_) {
-    const auto file = device.hostPath(kSettings);
-    if (fault.kind != FaultKind::CutSettings || !std::filesystem::exists(file)) continue;
-    const auto size = static_cast<std::uintmax_t>(fault.number);
-    if (std::filesystem::file_size(file) <= size) continue;
-    std::filesystem::resize_file(file, size);
+    const std::string* file = device.files.read(kSettings);
+    if (fault.kind != FaultKind::CutSettings || !file) continue;
+    const auto size = static_cast<std::size_t>(fault.number);
+    if (file->size() <= size) continue;
+    device.files.write(kSettings, file->substr(0, size));
     changed = true;
   }
   return changed;

@@ -1,7 +1,5 @@
 #include "sim/scenario/settings_file.hpp"
 
-#include <fstream>
-
 #include "sim/foundation/plist_file.hpp"
 #include "sim/platform/device_actions.hpp"
 
@@ -11,18 +9,15 @@ namespace {
 
 const char* const kPath = "/var/mobile/Library/Preferences/com.qvethmar.corvalenpro.plist";
 
-PlistNode readDictionary(const std::filesystem::path& path) {
-  PlistNode node = readPropertyListFile(path);
-  if (node && plist_get_node_type(node.get()) != PLIST_DICT) node.reset();
-  return node;
+// Borrowed; null if the file is none.
+plist_t dictionary(const Device& device) {
+  plist_t node = propertyListIn(device.files, kPath);
+  return node && plist_get_node_type(node) == PLIST_DICT ? node : nullptr;
 }
 
-// Where the file is put, replaced or deleted; a folder stays, and is said.
-std::filesystem::path changedPath(const Device& device) {
-  auto path = device.hostPath(kPath);
-  if (std::filesystem::is_directory(path))
-    throw ActionError("a folder is in the settings file's place");
-  return path;
+// The file is put, replaced or deleted; a folder in its place stays, and is said.
+void requireNoFolder(const Device& device) {
+  if (device.files.isFolder(kPath)) throw ActionError("a folder is in the settings file's place");
 }
 
 plist_t toNode(const SettingValue& value) {
@@ -34,7 +29,9 @@ plist_t toNode(const SettingValue& value) {
 }  // namespace
 
 void setSetting(Device& device, const std::string& key, const SettingValue& value) {
-  PlistNode root = readDictionary(changedPath(device));
+  requireNoFolder(device);
+  plist_t before = dictionary(device);
+  PlistNode root(before ? plist_copy(before) : nullptr);
   const bool takeOut = std::holds_alternative<Absent>(value);
   if (!root) {
     if (takeOut) return;
@@ -48,22 +45,25 @@ void setSetting(Device& device, const std::string& key, const SettingValue& valu
 }
 
 void writeSettings(Device& device, const std::string& bytes) {
-  std::ofstream file(changedPath(device), std::ios::binary | std::ios::trunc);
-  file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  requireNoFolder(device);
+  device.files.write(kPath, bytes);
 }
 
-void removeSettings(Device& device) { std::filesystem::remove(changedPath(device)); }
+void removeSettings(Device& device) {
+  requireNoFolder(device);
+  device.files.remove(kPath);
+}
 
 std::optional<std::map<std::string, std::string>> readSettings(const Device& device) {
-  const PlistNode root = readDictionary(device.hostPath(kPath));
+  plist_t root = dictionary(device);
   if (!root) return std::nullopt;
   std::map<std::string, std::string> settings;
   plist_dict_iter iterator = nullptr;
-  plist_dict_new_iter(root.get(), &iterator);
+  plist_dict_new_iter(root, &iterator);
   for (;;) {
     char* key = nullptr;
     plist_t value = nullptr;
-    plist_dict_next_item(root.get(), iterator, &key, &value);
+    plist_dict_next_item(root, iterator, &key, &value);
     if (!value) break;
     if (key) settings[key] = toXml(value);
     std::free(key);

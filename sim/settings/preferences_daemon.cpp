@@ -43,9 +43,9 @@ void put(plist_t values, const std::string& key, PlistNode value) {
 bool PreferencesDaemon::exists() const { return device_.state.version >= kIOS8; }
 
 PlistNode PreferencesDaemon::readFile(const std::string& domain) const {
-  PlistNode values = readPropertyListFile(device_.hostPath(fileOf(domain)));
-  if (!values || plist_get_node_type(values.get()) != PLIST_DICT) values.reset(plist_new_dict());
-  return values;
+  plist_t values = propertyListIn(device_.files, fileOf(domain));
+  const bool isDictionary = values && plist_get_node_type(values) == PLIST_DICT;
+  return PlistNode(isDictionary ? plist_copy(values) : plist_new_dict());
 }
 
 bool PreferencesDaemon::writeFile(const std::string& domain, plist_t values) const {
