@@ -1,16 +1,11 @@
 #include "sim/host/host_library.hpp"
 
-#include <dlfcn.h>
 #include <ffi.h>
-#include <link.h>
-#include <sys/mman.h>
-#include <unistd.h>
 
 #include <cstring>
-#include <fstream>
-#include <optional>
 
 #include "sim/core/process.hpp"
+#include "sim/host/loaded_copy.hpp"
 
 // ---- The variables that the library links against ----------------------------------------------
 
@@ -149,85 +144,32 @@ ffi_type* ffiType(Kind kind) {
   return &ffi_type_void;
 }
 
-struct Range {
-  std::uintptr_t start, size;
-  bool writable;
-};
-
-// A copy of a shared object, loaded into the program.
-class LoadedCopy {
- public:
-  explicit LoadedCopy(std::shared_ptr<SpareCopies> copies)
-      : copies_(std::move(copies)), copy_(copies_->take()) {}
-  ~LoadedCopy() {
-    close();
-    copies_->giveBack(copy_);
-  }
-  LoadedCopy(const LoadedCopy&) = delete;
-  LoadedCopy& operator=(const LoadedCopy&) = delete;
-
-  // Runs its constructor.
-  void open() {
-    handle_ = dlopen(copy_.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (!handle_) throw std::runtime_error(dlerror());
-  }
-  void close() {
-    if (handle_) dlclose(std::exchange(handle_, nullptr));
-  }
-
-  // Its segments, as the dynamic loader mapped them.
-  const std::vector<Range>& ranges() const {
-    if (!ranges_.empty()) return ranges_;
-    struct Search {
-      const std::string name;
-      std::vector<Range>& out;
-    } search{copy_.filename().string(), ranges_};
-    dl_iterate_phdr(
-        [](dl_phdr_info* info, std::size_t, void* data) {
-          auto& wanted = *static_cast<Search*>(data);
-          if (!std::string_view(info->dlpi_name).ends_with(wanted.name)) return 0;
-          for (int i = 0; i < info->dlpi_phnum; ++i) {
-            const auto& header = info->dlpi_phdr[i];
-            if (header.p_type == PT_LOAD)
-              wanted.out.push_back(
-                  {info->dlpi_addr + header.p_vaddr, header.p_memsz, (header.p_flags & PF_W) != 0});
-          }
-          return 1;
-        },
-        &search);
-    return ranges_;
-  }
-
- private:
-  std::shared_ptr<SpareCopies> copies_;
-  std::filesystem::path copy_;
-  void* handle_ = nullptr;
-  mutable std::vector<Range> ranges_;
-};
-
 class HostLibrary final : public Library {
  public:
-  HostLibrary(Process& process, std::shared_ptr<SpareCopies> copies,
-              std::shared_ptr<SpareCopies> bundleCopies)
-      : process_(process), library_(std::move(copies)), bundleCopies_(std::move(bundleCopies)) {}
+  HostLibrary(Process& process, std::shared_ptr<LoadedCopies> copies,
+              std::shared_ptr<LoadedCopies> bundleCopies)
+      : process_(process),
+        copies_(std::move(copies)),
+        bundleCopies_(std::move(bundleCopies)),
+        library_(copies_->take()) {}
 
   ~HostLibrary() override {
-    bundle_.reset();
-    library_.close();
+    if (bundle_) bundleCopies_->giveBack(std::move(bundle_));
+    copies_->giveBack(std::move(library_));
     for (const unsigned index : taken_) thunks[index] = {};
     for (const auto& [memory, size] : memory_) std::free(reinterpret_cast<void*>(memory));
   }
 
   void runInitialisers() override {
     const Running entered(process_);
-    library_.open();
+    library_->initialise();
   }
 
   void loadBundle() override {
     if (bundle_) return;
+    bundle_ = bundleCopies_->take();
     const Running entered(process_);
-    bundle_.emplace(bundleCopies_);
-    bundle_->open();
+    bundle_->initialise();
   }
 
   Value call(Address code, Kind result, const std::vector<Value>& fixed) override {
@@ -295,7 +237,7 @@ class HostLibrary final : public Library {
 
   std::vector<std::pair<Address, std::size_t>> variables() const override {
     std::vector<std::pair<Address, std::size_t>> all;
-    eachRange([&](const Range& range) {
+    eachRange([&](const LoadedCopy::Range& range) {
       if (range.writable) all.emplace_back(range.start, range.size);
     });
     return all;
@@ -313,14 +255,14 @@ class HostLibrary final : public Library {
  private:
   template <class Each>
   void eachRange(Each each) const {
-    for (const Range& range : library_.ranges()) each(range);
+    for (const auto& range : library_->ranges()) each(range);
     if (!bundle_) return;
-    for (const Range& range : bundle_->ranges()) each(range);
+    for (const auto& range : bundle_->ranges()) each(range);
   }
 
   void check(Address address, std::size_t size) const {
     bool mapped = false;
-    eachRange([&](const Range& range) {
+    eachRange([&](const LoadedCopy::Range& range) {
       mapped |= address >= range.start && address + size <= range.start + range.size;
     });
     if (mapped) return;
@@ -343,9 +285,10 @@ class HostLibrary final : public Library {
   }
 
   Process& process_;
-  LoadedCopy library_;
-  std::shared_ptr<SpareCopies> bundleCopies_;
-  std::optional<LoadedCopy> bundle_;
+  std::shared_ptr<LoadedCopies> copies_;
+  std::shared_ptr<LoadedCopies> bundleCopies_;
+  std::unique_ptr<LoadedCopy> library_;
+  std::unique_ptr<LoadedCopy> bundle_;  // once it was asked for
   std::vector<unsigned> taken_;
   std::map<Address, std::size_t> memory_;
   std::set<Address> freed_;
@@ -353,23 +296,11 @@ class HostLibrary final : public Library {
 
 }  // namespace
 
-std::filesystem::path SpareCopies::take() {
-  if (!spare_.empty()) {
-    auto copy = std::move(spare_.back());
-    spare_.pop_back();
-    return copy;
-  }
-  static unsigned copies = 0;
-  auto copy = std::filesystem::temp_directory_path() /
-              ("corvalen-" + std::to_string(getpid()) + "-" + std::to_string(++copies) +
-               file_.extension().string());
-  std::filesystem::copy_file(file_, copy, std::filesystem::copy_options::overwrite_existing);
-  return copy;
-}
-
-SpareCopies::~SpareCopies() {
-  std::error_code ignored;
-  for (const auto& copy : spare_) std::filesystem::remove(copy, ignored);
+HostLibraryLoader::HostLibraryLoader(const std::filesystem::path& file,
+                                     const std::filesystem::path& bundleFolder)
+    : copies_(std::make_shared<LoadedCopies>(file)) {
+  bundle = bundleFolder.empty() ? file.parent_path() / kBundleName : bundleFolder;
+  bundleCopies_ = std::make_shared<LoadedCopies>(bundleExecutable());
 }
 
 std::unique_ptr<Library> HostLibraryLoader::load(Process& process) {
@@ -383,6 +314,11 @@ void HostLibraryLoader::setVersion(double version) { simVersionNumber = version;
 // Called from entry_x86_64.S for every call of the library into the platform.
 extern "C" void simHostEntry(sim::Frame* frame, unsigned number);
 void simHostEntry(sim::Frame* frame, unsigned number) {
+  if (sim::isLoadingCopy()) {
+    frame->result = 0;
+    frame->realResult = 0;
+    return;
+  }
   sim::FrameArguments arguments(*frame);
   sim::Value result;
   if (number < sim::kFirstThunk) {
