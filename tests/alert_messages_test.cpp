@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "sim/core/bind.hpp"
+#include "sim/platform/device_actions.hpp"
 #include "sim/uikit/alert_view.hpp"
 #include "tests/device_fixture.hpp"
 
@@ -145,7 +146,7 @@ TEST_F(AlertMessages, WithoutACallbackTheDelegateAloneIsTold) {
 TEST_F(AlertMessages, ADelegateIsToldNothingThatItDoesNotAnswer) {
   Process& process = booted();
   for (const Message& message : kMessages)
-    EXPECT_TRUE(device.callback(process, [&] {
+    ASSERT_TRUE(device.callback(process, [&] {  // else there is no process left
       makeAlerts(process, true, message.selector);
       tell(process, message, 0);
       EXPECT_EQ(heard.size(), 1u) << message.selector;
@@ -269,6 +270,17 @@ TEST_F(AlertMessages, TheReceivingClassIsTheAlertsClass) {
         process.send(&own, kLong, {none, none, Value::integer(Kind::Long, 0), none, none, none});
     EXPECT_EQ(process.object(styled.bits)->isa, &own);
   });
+}
+
+// A class below it is for where somebody else has a category of the same selectors.
+TEST_F(AlertMessages, TheLibrarysOwnAlertsAreOfThePlatformsClass) {
+  device.state.networkFlags.reset();
+  Process& process = booted();
+  unlock(device);
+  const UIAlertView* hint = topAlert(process);
+  ASSERT_NE(hint, nullptr);
+  EXPECT_EQ(hint->isa, process.findClass("UIAlertView"));
+  EXPECT_EQ(process.findClass("CVPAlertView"), nullptr);
 }
 
 TEST_F(AlertMessages, HandlersAreHeldByTheAlertForAnyThread) {

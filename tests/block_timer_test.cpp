@@ -5,6 +5,7 @@ namespace sim {
 namespace {
 
 const char* const kScheduled = "scheduledTimerWithTimeInterval:block:repeats:";
+const char* const kUnscheduled = "timerWithTimeInterval:block:repeats:";
 
 class BlockTimer : public DeviceTest {
  protected:
@@ -14,6 +15,15 @@ class BlockTimer : public DeviceTest {
       ++fired;
       return Value::none();
     });
+  }
+  // The same, as a function has it that only passes it on.
+  Value onTheStack(Process& process) {
+    const Value block = counting(process);
+    process.library().writePointer(block.bits, process.library().variable("_NSConcreteStackBlock"));
+    return block;
+  }
+  static void overwrite(Process& process, const Value& block) {
+    process.library().writePointer(block.bits + process.library().pointerSize() + 8, 0);
   }
 };
 
@@ -46,9 +56,8 @@ TEST_F(BlockTimer, FiresOnceIfItDoesNotRepeat) {
 TEST_F(BlockTimer, UnscheduledOnesFireOnlyWhenTold) {
   Process& process = booted();
   device.callback(process, [&] {
-    const Value timer =
-        process.send(cls(process, "NSTimer"), "timerWithTimeInterval:block:repeats:",
-                     {Value::real(1.0), counting(process), Value::boolean(true)});
+    const Value timer = process.send(cls(process, "NSTimer"), kUnscheduled,
+                                     {Value::real(1.0), counting(process), Value::boolean(true)});
     device.clock.advance(5'000'000, [] {});
     EXPECT_EQ(fired, 0);
     process.send(process.object(timer.bits), "fire");
@@ -71,20 +80,31 @@ TEST_F(BlockTimer, ATimerWithoutUserInfoFiresWithoutEffect) {
   EXPECT_NE(device.springBoard(), nullptr);
 }
 
-// A stack block goes with its function; the timer's copy must not.
-TEST_F(BlockTimer, TheBlockIsCopiedWhenTheTimerIsMade) {
+// A stack block goes with its function; the timer's copy must not. The caller's own block is
+// overwritten: its invoke leads nowhere from then on.
+TEST_F(BlockTimer, AScheduledTimersBlockIsCopied) {
   Process& process = booted();
-  Library& library = process.library();
   device.callback(process, [&] {
-    const Address block = counting(process).bits;
-    library.writePointer(block, library.variable("_NSConcreteStackBlock"));
+    const Value block = onTheStack(process);
     process.send(cls(process, "NSTimer"), kScheduled,
-                 {Value::real(1.0), Value::object(block), Value::boolean(true)});
-    // The caller's own block is overwritten: its invoke now leads nowhere.
-    library.writePointer(block + library.pointerSize() + 8, 0);
+                 {Value::real(1.0), block, Value::boolean(true)});
+    overwrite(process, block);
   });
   device.advance(2'000'000);
   EXPECT_EQ(fired, 2);
+  EXPECT_NE(device.springBoard(), nullptr);
+}
+
+TEST_F(BlockTimer, AnUnscheduledTimersBlockIsCopied) {
+  Process& process = booted();
+  device.callback(process, [&] {
+    const Value block = onTheStack(process);
+    const Value timer = process.send(cls(process, "NSTimer"), kUnscheduled,
+                                     {Value::real(1.0), block, Value::boolean(true)});
+    overwrite(process, block);
+    process.send(process.object(timer.bits), "fire");
+  });
+  EXPECT_EQ(fired, 1);
   EXPECT_NE(device.springBoard(), nullptr);
 }
 

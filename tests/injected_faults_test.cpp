@@ -106,5 +106,12 @@ TEST_F(InjectedFaults, ATitleViewThatInitialisesToAnotherIsNotTakenForIt) {
   EXPECT_TRUE(works());
 }
 
+TEST_F(InjectedFaults, ADragThatIsNotToCancelTouchesDoesNot) {
+  fail("-[SBLockScreenScrollView touchesShouldCancelInContentView:<UIView>]");
+  booted();
+  EXPECT_EQ(dragLockScreen(device), false);
+  EXPECT_TRUE(works());
+}
+
 }  // namespace
 }  // namespace sim

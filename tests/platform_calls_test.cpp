@@ -149,6 +149,33 @@ TEST_F(PlatformCalls, WhatWasReadIsReleasedBeforeItIsReadAgain) {
             at("-[NSMutableDictionary initWithContentsOfFile:"));
 }
 
+TEST_F(PlatformCalls, SpringBoardsControllersAreCapturedInTheirOrder) {
+  calls.wantsAll = true;
+  booted();
+  std::vector<std::string> captured;
+  const std::string finished = "-[SpringBoard applicationDidFinishLaunching:";
+  for (auto i = at(finished); i < calls.all.size(); ++i)
+    if (calls.all[i].starts_with("+[SB")) captured.push_back(calls.all[i]);
+  EXPECT_EQ(captured, (std::vector<std::string>{
+                          "+[SBMediaController sharedInstance]",
+                          "+[SBBacklightController sharedInstance]",
+                          "+[SBApplicationController sharedInstance]",
+                          "+[SBLockScreenManager sharedInstance]",
+                          "+[SBControlCenterController sharedInstance]",
+                      }));
+}
+
+TEST_F(PlatformCalls, TheNetworkIsAskedAboutForAWelcomeNotForAnUpdate) {
+  for (const bool updated : {false, true}) {
+    scenario::writeSettings(device, "<plist><dict/></plist>");
+    if (updated) set("hasShownWAL", true);
+    booted();
+    listen();
+    unlock(device);
+    EXPECT_EQ(starting("SCNetworkReachabilityGetFlags("), updated ? 0u : 1u);
+  }
+}
+
 // ---- Players
 
 TEST_F(PlatformCalls, ThePollTimerIsInvalidatedThenReleased) {
