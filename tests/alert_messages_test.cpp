@@ -32,6 +32,8 @@ constexpr const char* kQuestionSetter = "setShouldEnableFirstOtherButtonInOurBlo
 
 class AlertMessages : public DeviceTest {
  protected:
+  void TearDown() override { expectNoCrash(); }
+
   std::vector<std::string> heard;
   UIAlertView* receiver = nullptr;
   UIAlertView* argument = nullptr;
@@ -49,17 +51,24 @@ class AlertMessages : public DeviceTest {
   Value callback(Process& process, const Message& message, const std::string& who) {
     std::vector<Kind> kinds{Kind::Object};
     if (message.aboutButton) kinds.push_back(Kind::Long);
-    return makeBlock(process, {Kind::Void, kinds, false}, [this, who](Invocation& call) {
-      heard.push_back(note(who, call, 1));
+    const std::string name = who + "'s " + message.getter;
+    return makeBlock(process, {Kind::Void, kinds, false}, [this, name](Invocation& call) {
+      heard.push_back(note(name, call, 1));
       return Value::none();
     });
   }
   Value answer(Process& process, const std::string& who, bool yes) {
     return makeBlock(process, {Kind::Bool, {Kind::Object}, false},
                      [this, who, yes](Invocation& call) {
-                       heard.push_back(note(who, call, 1));
+                       heard.push_back(note(who + "'s " + kQuestionGetter, call, 1));
                        return Value::boolean(yes);
                      });
+  }
+  // A block that lives only as long as somebody has a copy of it.
+  static Value onTheStack(Process& process, Signature signature, Native body) {
+    const Value block = makeBlock(process, std::move(signature), std::move(body));
+    process.library().writePointer(block.bits, process.library().variable("_NSConcreteStackBlock"));
+    return block;
   }
   // Answers every delegate message but those in `except`, noting it.
   Object* delegate(Process& process, const std::string& who, const std::string& except = {}) {
@@ -70,7 +79,7 @@ class AlertMessages : public DeviceTest {
       code->name = selector;
       code->signature = signature;
       code->run = [this, who, selector](Invocation& call) {
-        heard.push_back(note(who + "'s delegate", call, 0));
+        heard.push_back(note(who + "'s delegate: " + selector, call, 0));
         return selector == kQuestion ? Value::boolean(false) : Value::none();
       };
       made.methods[selector] = {selector, signature, {code, 0}, {}};
@@ -124,8 +133,10 @@ TEST_F(AlertMessages, TheArgumentsCallbackIsCalledThenTheReceiversDelegate) {
       heard.clear();
       tell(process, message, 3);
       const std::string of = message.aboutButton ? " of argument 3" : " of argument";
-      EXPECT_EQ(heard, (std::vector<std::string>{"argument" + of, "receiver's delegate" + of}))
-          << message.selector;
+      EXPECT_EQ(heard, (std::vector<std::string>{
+                           "argument's " + (message.getter + of),
+                           "receiver's delegate: " + (message.selector + of),
+                       }));
     }
   });
 }
@@ -138,7 +149,8 @@ TEST_F(AlertMessages, WithoutACallbackTheDelegateAloneIsTold) {
       heard.clear();
       tell(process, message, 1);
       const std::string of = message.aboutButton ? " of argument 1" : " of argument";
-      EXPECT_EQ(heard, (std::vector<std::string>{"receiver's delegate" + of})) << message.selector;
+      EXPECT_EQ(heard,
+                (std::vector<std::string>{"receiver's delegate: " + (message.selector + of)}));
     }
   });
 }
@@ -159,7 +171,8 @@ TEST_F(AlertMessages, TheQuestionIsAnsweredByTheArgumentsCallbackAlone) {
     makeAlerts(process, true);
     const Value asked = Value::object(argument->address);
     EXPECT_TRUE(process.send(receiver, kQuestion, {asked}).asBool());
-    EXPECT_EQ(heard, (std::vector<std::string>{"argument of argument"}));
+    EXPECT_EQ(heard, (std::vector<std::string>{
+                         "argument's shouldEnableFirstOtherButtonInOurBlock of argument"}));
   });
 }
 
@@ -169,7 +182,9 @@ TEST_F(AlertMessages, WithoutThatCallbackTheReceiversDelegateAnswersTheQuestion)
     makeAlerts(process, true);
     UIAlertView* bare = alert(process);
     EXPECT_FALSE(process.send(receiver, kQuestion, {Value::object(bare->address)}).asBool());
-    EXPECT_EQ(heard, (std::vector<std::string>{"receiver's delegate of another"}));
+    EXPECT_EQ(heard,
+              (std::vector<std::string>{
+                  "receiver's delegate: alertViewShouldEnableFirstOtherButton: of another"}));
   });
 }
 
@@ -200,22 +215,56 @@ TEST_F(AlertMessages, EachCallbackCanBeAskedForAndTakenBack) {
   });
 }
 
-// What the callback does may change or end what it is called for.
-TEST_F(AlertMessages, ACallbackMayReplaceItself) {
+// ---- What a callback does may end what it is called for
+
+// Blocks that use themselves behind what they did: as code that still runs uses what it captured.
+TEST_F(AlertMessages, ACallbackIsHeldWhileItReplacesItself) {
   Process& process = booted();
-  EXPECT_TRUE(device.callback(process, [&] {
+  device.callback(process, [&] {
     makeAlerts(process, false);
     const Value replacing =
-        makeBlock(process, {Kind::Void, {Kind::Object, Kind::Long}, false}, [&](Invocation&) {
+        onTheStack(process, {Kind::Void, {Kind::Object, Kind::Long}, false}, [&](Invocation& call) {
           process.send(argument, "setResponseBlock:", {Value::nil()});
+          process.object(call.arguments[0].bits);
           return Value::none();
         });
-    process.library().writePointer(replacing.bits,
-                                   process.library().variable("_NSConcreteStackBlock"));
     process.send(argument, "setResponseBlock:", {replacing});
     tell(process, kMessages[3], 0);
-    EXPECT_EQ(heard, (std::vector<std::string>{"receiver's delegate of argument 0"}));
-  }));
+    EXPECT_EQ(heard, (std::vector<std::string>{
+                         "receiver's delegate: alertView:clickedButtonAtIndex: of argument 0"}));
+  });
+}
+
+TEST_F(AlertMessages, TheQuestionsCallbackIsHeldWhileItReplacesItself) {
+  Process& process = booted();
+  device.callback(process, [&] {
+    makeAlerts(process, false);
+    const Value replacing =
+        onTheStack(process, {Kind::Bool, {Kind::Object}, false}, [&](Invocation& call) {
+          process.send(argument, kQuestionSetter, {Value::nil()});
+          process.object(call.arguments[0].bits);
+          return Value::boolean(false);
+        });
+    process.send(argument, kQuestionSetter, {replacing});
+    EXPECT_FALSE(process.send(receiver, kQuestion, {Value::object(argument->address)}).asBool());
+  });
+}
+
+TEST_F(AlertMessages, AnAlertIsHeldWhileItsCallbackLetsItGo) {
+  Process& process = booted();
+  device.callback(process, [&] {
+    makeAlerts(process, false);
+    argument = receiver;
+    const Value ending =
+        makeBlock(process, {Kind::Void, {Kind::Object, Kind::Long}, false}, [&](Invocation&) {
+          std::erase_if(process.kept, [&](const auto& kept) { return kept.get() == receiver; });
+          return Value::none();
+        });
+    process.send(receiver, "setResponseBlock:", {ending});
+    tell(process, kMessages[3], 0);
+    EXPECT_EQ(heard, (std::vector<std::string>{
+                         "receiver's delegate: alertView:clickedButtonAtIndex: of receiver 0"}));
+  });
 }
 
 // ---- Showing
@@ -239,6 +288,7 @@ TEST_F(AlertMessages, StyleButtonsAndResponseAreSetBeforeTheAlertIsShown) {
          Value::object(titles->address), callback(process, kMessages[3], "response")});
   });
   EXPECT_LT(at("-[UIAlertView initWithTitle:"), at("-[UIAlertView setAlertViewStyle:2]"));
+  EXPECT_EQ(calls.count("-[UIAlertView setAlertViewStyle:2]"), 1u);
   EXPECT_LT(at("-[UIAlertView setAlertViewStyle:2]"), at("-[UIAlertView addButtonWithTitle:"));
   EXPECT_LT(at("-[UIAlertView addButtonWithTitle:"), at("-[UIAlertView setDelegate:"));
   EXPECT_LT(at("-[UIAlertView setDelegate:"),

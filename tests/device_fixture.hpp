@@ -64,6 +64,11 @@ class DeviceTest : public ::testing::Test {
     device.bootSpringBoard();
     return *device.springBoard();
   }
+  // Whatever else is looked at: nothing may have ended a process since calls were last cleared.
+  void expectNoCrash() const {
+    for (const std::string& call : calls.all)
+      if (call.starts_with("crash: ")) ADD_FAILURE() << call;
+  }
   // A string that the process's pool holds.
   static Value text(Process& process, const std::string& string) {
     return Value::object(process.autorelease(makeString(process, string))->address);

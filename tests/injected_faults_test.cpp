@@ -27,8 +27,7 @@ class InjectedFaults : public DeviceTest {
   // Whether SpringBoard still is what it was.
   bool works() {
     device.drain();
-    for (const auto& call : calls.all)
-      if (call.starts_with("crash: ")) ADD_FAILURE() << call;
+    expectNoCrash();
     EXPECT_TRUE(injector_->struck()) << "what was to fail was never called";
     Process* board = device.springBoard();
     if (!board) return false;

@@ -12,6 +12,8 @@ namespace {
 class PlatformCalls : public DeviceTest {
  protected:
   PlatformCalls() { device.state.apps.push_back({kSpotify, "Spotify"}); }
+  void TearDown() override { expectNoCrash(); }
+
   // What is done is told call by call.
   void listen() {
     calls.all.clear();
@@ -107,7 +109,7 @@ TEST_F(PlatformCalls, ACardsIndexIsCutTo32BitsForItsIdentifierAlone) {
                  "_quitAppAtIndex:", {Value::of(Kind::ULong, kBeyond32Bits + 1)});
   });
   EXPECT_TRUE(calls.has("-[SBAppSliderController _displayIDAtIndex:1]"));
-  EXPECT_TRUE(calls.has("-[SBAppSliderController _quitAppAtIndex:4294967297]"));
+  EXPECT_EQ(calls.count("-[SBAppSliderController _quitAppAtIndex:4294967297]"), 2u);
 }
 
 TEST_F(PlatformCalls, ATitleViewsStyleIsPassedOnInAllItsBits) {
@@ -119,7 +121,7 @@ TEST_F(PlatformCalls, ATitleViewsStyleIsPassedOnInAllItsBits) {
     process.send(view.get(),
                  "initWithMediaControlsStyle:", {Value::of(Kind::Long, kBeyond32Bits + 3)});
   });
-  EXPECT_TRUE(calls.has("-[MPUMediaControlsTitlesView initWithMediaControlsStyle:4294967299]"));
+  EXPECT_EQ(calls.count("-[MPUMediaControlsTitlesView initWithMediaControlsStyle:4294967299]"), 2u);
 }
 
 TEST_F(PlatformCalls, TheWatchsNumberIsItsLow32Bits) {
@@ -174,6 +176,56 @@ TEST_F(PlatformCalls, TheNetworkIsAskedAboutForAWelcomeNotForAnUpdate) {
     unlock(device);
     EXPECT_EQ(starting("SCNetworkReachabilityGetFlags("), updated ? 0u : 1u);
   }
+}
+
+// ---- Collections
+
+TEST_F(PlatformCalls, CollectionsAreWalkedSixteenElementsAtATime) {
+  set("iea9AQXrEmhSZ4u", true);
+  booted();
+  for (int i = 0; i < 17; ++i) newTitleView(device, std::to_string(i));
+  listen();
+  device.postDarwin("bfaK8ayWXeXMQum");
+  device.drain();
+  EXPECT_EQ(starting("-[MPUMediaControlsTitlesView updateNowPlayingAppDisplayName:"), 2u * 17);
+  EXPECT_EQ(starting("-[NSMutableArray countByEnumeratingWithState:"), 3u);  // 16, 1, none
+}
+
+TEST_F(PlatformCalls, ACollectionThatChangesWhileItIsWalkedIsReported) {
+  set("iea9AQXrEmhSZ4u", true);
+  booted();
+  newTitleView(device, "view");
+  newTitleView(device, "another");
+  listen();
+  device.during("updateNowPlayingAppDisplayName:", [&] { newTitleView(device, "newcomer"); });
+  device.postDarwin("bfaK8ayWXeXMQum");
+  device.drain();
+  EXPECT_EQ(starting("objc_enumerationMutation("), 1u);
+  calls.all.clear();
+}
+
+// ---- Icons
+
+// The icon gives its identifier away and keeps none.
+TEST_F(PlatformCalls, AnIconsIdentifierIsHeldWhileItsAppIsLookedUp) {
+  set("iea9AQXrEmhSZ4u", true);
+  set("2I8UQMOAwU5nnNZt", kSpotify);
+  device.state.app(kSpotify)->running = true;
+  Process& process = booted();
+  Ref<Object> identifier;
+  auto code = std::make_shared<NativeCode>();
+  code->name = "applicationBundleID";
+  code->signature = {Kind::Object, {}, false};
+  code->run = [&](Invocation&) {
+    identifier = makeString(process, kSpotify);
+    return Value::object(identifier->address);
+  };
+  process.findClass("SBApplicationIcon")->methods[code->name] = {
+      code->name, code->signature, {code, 0}};
+  device.during("isRunning", [&] { identifier = {}; });
+  listen();
+  tapIcon(device, kSpotify);
+  EXPECT_EQ(starting("-[SBApplicationController applicationWithBundleIdentifier:"), 1u);
 }
 
 // ---- Players
