@@ -53,6 +53,53 @@ TEST_F(BlockTimer, FiresOnceIfItDoesNotRepeat) {
   EXPECT_EQ(fired, 1);
 }
 
+TEST_F(BlockTimer, UnscheduledOnesAreMadeAsAsked) {
+  calls.wantsAll = true;
+  Process& process = booted();
+  device.callback(process, [&] {
+    for (const bool repeats : {true, false})
+      process.send(cls(process, "NSTimer"), kUnscheduled,
+                   {Value::real(3.0), counting(process), Value::boolean(repeats)});
+  });
+  for (const char* repeats : {"YES", "NO"})
+    EXPECT_EQ(calls.count(std::string("+[NSTimer timerWithTimeInterval:3 target:NSTimer "
+                                      "selector:rvExecuteSimpleBlock: userInfo:<block> repeats:") +
+                          repeats + "]"),
+              1u);
+}
+
+TEST_F(BlockTimer, ABlockIsHeldWhileItInvalidatesItsTimer) {
+  Process& process = booted();
+  calls.all.clear();
+  device.callback(process, [&] {
+    Object* timer = nullptr;
+    const Value ending = makeBlock(process, {}, [&](Invocation& call) {
+      process.send(timer, "invalidate");
+      process.object(call.arguments[0].bits);  // what it captured
+      ++fired;
+      return Value::none();
+    });
+    process.library().writePointer(ending.bits,
+                                   process.library().variable("_NSConcreteStackBlock"));
+    timer = process.object(process
+                               .send(cls(process, "NSTimer"), kUnscheduled,
+                                     {Value::real(1.0), ending, Value::boolean(true)})
+                               .bits);
+    process.send(timer, "fire");
+  });
+  expectNoCrash();
+  EXPECT_EQ(fired, 1);
+}
+
+TEST_F(BlockTimer, TheMethodsTypesAreThoseOfTheirFunctions) {
+  Process& process = booted();
+  const Class& methods = *process.findClass("NSTimer")->isa;
+  const char* made = process.library().pointerSize() == 8 ? "@@:d@?B" : "@@:d@?c";
+  EXPECT_EQ(methods.methods.at(kScheduled).types, made);
+  EXPECT_EQ(methods.methods.at(kUnscheduled).types, made);
+  EXPECT_EQ(methods.methods.at("rvExecuteSimpleBlock:").types, "v@:@");
+}
+
 TEST_F(BlockTimer, UnscheduledOnesFireOnlyWhenTold) {
   Process& process = booted();
   device.callback(process, [&] {

@@ -34,10 +34,11 @@ class ACAccountStore final : public Object {
  public:
   using Object::Object;
 
-  Object* typeWithIdentifier(NSString* identifier) {
+  // Nobody keeps it but who asked.
+  Ref<ACAccountType> typeWithIdentifier(NSString* identifier) {
     const bool known = textOf(identifier) == "com.apple.twitter";
-    if (!known || !process.findClass("ACAccountType")) return nullptr;
-    return &process.shared<ACAccountType>("ACAccountType");
+    if (!known || !process.findClass("ACAccountType")) return {};
+    return process.make<ACAccountType>("ACAccountType");
   }
 
   // The answer comes on a thread of the framework's, later.

@@ -68,6 +68,7 @@ struct Method {
   Implementation implementation{};
   // Added when it is first sent, where that class is: not answered to respondsToSelector:.
   std::string resolvedBy{};
+  std::string types{};  // as class_addMethod was given them; empty: the platform's own
 };
 
 class Class final : public Object {

@@ -13,6 +13,9 @@ Object* Process::literal(Address address) {
   const Address isa = library_->readPointer(address);
   if (isa == library_->variable("__CFConstantStringClassReference")) {
     const unsigned word = library_->pointerSize();
+    constexpr Address kAscii = 0x7c8;  // constant, not to be freed, one byte a character
+    if (library_->readPointer(address + word) != kAscii)
+      throw Fault("a constant string that does not say so");
     std::string text(library_->readPointer(address + 3 * word), '\0');
     library_->read(library_->readPointer(address + 2 * word), text.data(), text.size());
     auto* string = new NSString(*this, std::move(text), /*constant=*/true);

@@ -23,13 +23,14 @@ Owned<Object> createReachability(Process& process, Pointer, Pointer address) {
   return {process.make<Object>("NSObject")};
 }
 
+// Where the flags cannot be had, what is written all the same means nothing.
 bool reachabilityFlags(Process& process, Object* reachability, Pointer flags) {
   if (!reachability) throw Fault("SCNetworkReachabilityGetFlags of NULL");
+  constexpr std::uint32_t kReachable = 0x2;
   const auto& answer = process.device.state.networkFlags;
-  if (!answer) return false;
-  const std::uint32_t value = *answer;
+  const std::uint32_t value = answer.value_or(kReachable);
   process.library().write(flags.address, &value, sizeof value);
-  return true;
+  return answer.has_value();
 }
 
 NativeCode of(Framework framework, NativeCode code) {

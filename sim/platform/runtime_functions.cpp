@@ -40,7 +40,7 @@ bool addMethod(Process& process, Class* cls, Selector name, Pointer code, std::s
   if (code.address == 0) throw Fault("class_addMethod of no implementation");
   const Signature signature = Signature::fromEncoding(types);
   checkTypes(selector, signature, process.library().pointerSize());
-  cls->methods[selector] = {selector, signature, {nullptr, code.address}};
+  cls->methods[selector] = {selector, signature, {nullptr, code.address}, {}, types};
   return true;
 }
 
