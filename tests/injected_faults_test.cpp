@@ -105,6 +105,40 @@ TEST_F(InjectedFaults, ATitleViewThatInitialisesToAnotherIsNotTakenForIt) {
   EXPECT_TRUE(works());
 }
 
+TEST_F(InjectedFaults, AFrameworkThatCannotBeOpenedIsAskedForNothing) {
+  device.state.accounts = {"first"};
+  device.state.frameworks[Framework::Social] = Presence::Loaded;
+  calls.wantsAll = true;
+  fail(R"(dlopen("/System/Library/Frameworks/Social.framework/Social", 1))");
+  greetedAndPressed(1);
+  EXPECT_TRUE(std::ranges::none_of(calls.all, [](const auto& call) {
+    return call.starts_with("dlsym(") && call.find("SLServiceTypeTwitter") != std::string::npos;
+  }));
+  EXPECT_TRUE(works());
+}
+
+TEST_F(InjectedFaults, WithoutAWayToAskThereIsNoNetwork) {
+  fail("SCNetworkReachabilityCreateWithAddress(nil, <pointer>)");
+  booted();
+  unlock(device);
+  EXPECT_TRUE(std::ranges::any_of(calls.all, [](const auto& call) {
+    return call.find(R"(["Not right now", "Go to Settings"])") != std::string::npos;
+  }));
+  EXPECT_TRUE(works());
+}
+
+TEST_F(InjectedFaults, AHandlersClassThatAnotherCopyHasIsLeftToIt) {
+  fail(R"(objc_allocateClassPair(NSObject, "CVPTWHandler", 0))");
+  booted();
+  EXPECT_TRUE(works());
+}
+
+TEST_F(InjectedFaults, ASpringBoardThatInitialisesToAnotherIsThatOther) {
+  answerAnother("-[SpringBoard init]");
+  booted();
+  EXPECT_TRUE(works());
+}
+
 TEST_F(InjectedFaults, ADragThatIsNotToCancelTouchesDoesNot) {
   fail("-[SBLockScreenScrollView touchesShouldCancelInContentView:<UIView>]");
   booted();

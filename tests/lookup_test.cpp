@@ -53,6 +53,12 @@ TEST_F(LookUp, WhereTheOlderMessageIsGoneTheNewerIsSentRatherThanNone) {
   EXPECT_GT(sent("applicationWithBundleIdentifier:"), 0u);
 }
 
+TEST_F(LookUp, WhereTheOlderMessageIsAnsweredItIsSentWithoutAppListToo) {
+  bootOn(1145.15).removeClass("ALApplicationList");
+  tapIcon(device, kSpotify);
+  EXPECT_GT(sent("applicationWithDisplayIdentifier:"), 0u);
+}
+
 TEST_F(LookUp, TitlesFindTheirAppByVersion) {
   bootOn(1240.09);
   newTitleView(device, "a");

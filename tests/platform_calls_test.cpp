@@ -24,6 +24,12 @@ class PlatformCalls : public DeviceTest {
         calls.all, [&](const std::string& call) { return call.starts_with(start); });
     return static_cast<std::size_t>(found - calls.all.begin());
   }
+  std::size_t last(const std::string& start) const {
+    const auto found =
+        std::find_if(calls.all.rbegin(), calls.all.rend(),
+                     [&](const std::string& call) { return call.starts_with(start); });
+    return static_cast<std::size_t>(calls.all.rend() - found) - 1;
+  }
   std::size_t starting(const std::string& start) const {
     return static_cast<std::size_t>(std::ranges::count_if(
         calls.all, [&](const std::string& call) { return call.starts_with(start); }));
@@ -151,12 +157,52 @@ TEST_F(PlatformCalls, WhatWasReadIsReleasedBeforeItIsReadAgain) {
             at("-[NSMutableDictionary initWithContentsOfFile:"));
 }
 
-TEST_F(PlatformCalls, SpringBoardsControllersAreCapturedInTheirOrder) {
+// ---- SpringBoard's start
+
+TEST_F(PlatformCalls, TheAlertCategoryIsThereBeforeAnythingIsHooked) {
+  calls.wantsAll = true;
+  booted();
+  EXPECT_LT(at("class_addMethod(+UIAlertView"), at("CFNotificationCenterAddObserver("));
+  EXPECT_LT(at("class_addMethod(+UIAlertView"), at("MSHookMessageEx("));
+}
+
+TEST_F(PlatformCalls, FrameworksAreLoadedLazily) {
+  calls.wantsAll = true;
+  booted();
+  unlock(device);
+  EXPECT_GE(starting("dlopen("), 2u);
+  for (const std::string& call : calls.all)
+    EXPECT_TRUE(!call.starts_with("dlopen(") || call.ends_with(", 1)")) << call;
+}
+
+TEST_F(PlatformCalls, TheRegistryOfTitleViewsIsUnlimitedAndMadeBeforeSpringBoardIs) {
+  calls.wantsAll = true;
+  booted();
+  EXPECT_EQ(calls.count("CFArrayCreateMutable(nil, 0, nil)"), 1u);
+  EXPECT_LT(at("CFArrayCreateMutable("), last("-[SpringBoard init]"));
+}
+
+TEST_F(PlatformCalls, EachInitOfSpringBoardMakesARegistry) {
+  Process& process = booted();
+  listen();
+  device.callback(process, [&] {
+    process.send(&process.sharedInstance(*process.findClass("SpringBoard")), "init");
+  });
+  EXPECT_EQ(starting("CFArrayCreateMutable("), 1u);
+}
+
+TEST_F(PlatformCalls, NothingIsCapturedIfTheVersionMovedWhileSpringBoardStarted) {
+  device.during("applicationDidFinishLaunching:", [&] { device.setVersion(1348.22); });
+  calls.wantsAll = true;
+  booted();
+  EXPECT_EQ(starting("+[SBMediaController sharedInstance]"), 0u);
+}
+
+TEST_F(PlatformCalls, SpringBoardsControllersAreCapturedInTheirOrderBehindItsOwnWork) {
   calls.wantsAll = true;
   booted();
   std::vector<std::string> captured;
-  const std::string finished = "-[SpringBoard applicationDidFinishLaunching:";
-  for (auto i = at(finished); i < calls.all.size(); ++i)
+  for (auto i = last("-[SpringBoard applicationDidFinishLaunching:"); i < calls.all.size(); ++i)
     if (calls.all[i].starts_with("+[SB")) captured.push_back(calls.all[i]);
   EXPECT_EQ(captured, (std::vector<std::string>{
                           "+[SBMediaController sharedInstance]",
@@ -176,6 +222,59 @@ TEST_F(PlatformCalls, TheNetworkIsAskedAboutForAWelcomeNotForAnUpdate) {
     unlock(device);
     EXPECT_EQ(starting("SCNetworkReachabilityGetFlags("), updated ? 0u : 1u);
   }
+}
+
+TEST_F(PlatformCalls, TheMarkersSayYes) {
+  booted();
+  listen();
+  unlock(device);
+  pressButton(device, 1);
+  EXPECT_EQ(calls.count("+[NSNumber numberWithBool:YES]"), 2u);
+  EXPECT_EQ(calls.count("+[NSNumber numberWithBool:NO]"), 0u);
+}
+
+TEST_F(PlatformCalls, TheUpdatesAlertAsksForItsCancelButtonWhenItIsPressed) {
+  set("hasShownWAL", true);
+  booted();
+  unlock(device);
+  listen();
+  pressButton(device, 0);
+  EXPECT_EQ(calls.count("-[UIAlertView cancelButtonIndex]"), 1u);
+}
+
+TEST_F(PlatformCalls, OnlyTheHintsOwnButtonOpensTheSettings) {
+  device.state.networkFlags.reset();
+  Process& process = booted();
+  unlock(device);
+  device.callback(process, [&] {
+    process.send(topAlert(process), "addButtonWithTitle:", {text(process, "Go elsewhere")});
+  });
+  listen();
+  pressButton(device, 2);
+  EXPECT_EQ(calls.count("-[UIAlertView buttonTitleAtIndex:2]"), 1u);
+  EXPECT_EQ(starting("-[SpringBoard openURL:"), 0u);
+}
+
+// ---- Launches
+
+TEST_F(PlatformCalls, AppListIsNotAskedAboutAnEmptyIdentifier) {
+  set("iea9AQXrEmhSZ4u", true);
+  set("2I8UQMOAwU5nnNZt", std::string());
+  booted();
+  listen();
+  tapTransport(device, 3);
+  EXPECT_EQ(starting("+[ALApplicationList "), 0u);
+}
+
+TEST_F(PlatformCalls, AScenesOwnSettingsAreCopiedBeforeTheyAreChanged) {
+  set("iea9AQXrEmhSZ4u", true);
+  set("2I8UQMOAwU5nnNZt", kSpotify);
+  device.state.app(kSpotify)->running = true;
+  booted();
+  listen();
+  tapTransport(device, 3);
+  EXPECT_LT(at("-[FBSMutableSceneSettings mutableCopy]"),
+            at("-[FBSMutableSceneSettings setBackgrounded:YES]"));
 }
 
 // ---- Collections
