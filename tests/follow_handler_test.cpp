@@ -5,6 +5,20 @@
 namespace sim {
 namespace {
 
+TEST(FollowHandler, TheOnlyAccountFollowsAtOnceOnTheThreadThatAnswered) {
+  Calls calls;
+  const auto loader = testedLibrary();
+  Device device(calls, *loader);
+  device.state.accounts = {"only"};
+  device.bootSpringBoard();
+  unlock(device);
+  std::optional<Thread> asked;
+  device.during("performRequestWithHandler:", [&] { asked = device.springBoard()->thread; });
+  pressButton(device, 1);
+  device.drain();
+  EXPECT_EQ(asked, Thread::Other);
+}
+
 // An alert that the system takes away may name a button that it does not have.
 TEST(FollowHandler, AButtonBeyondTheAccountsFollowsNobodyButIsThankedFor) {
   for (const long button : {-2l, -1l, 3l, 4l}) {
