@@ -37,6 +37,7 @@ STAGES = [
     ("long tests", LONG, 15),
 ]
 MEMORY = 8 << 30
+SETTINGS_PAGE = ("CorvalenPro.bundle", "CorvalenPro.plist")  # are looked for beside the library
 
 
 class WrongData(Exception):
@@ -205,6 +206,8 @@ class Build:
             self.must_succeed(mutant, self.launcher + words + ["-O0", "-g0", "-w"], directory)
             compiler = words[0]
         library = folder / "proCorvalen.so"
+        for part in SETTINGS_PAGE:
+            (folder / part).symlink_to(self.folder / part)
         self.must_succeed(mutant, [compiler, "-shared", "-o", str(library),
                                    *map(str, objects.values())], folder)
         return library
