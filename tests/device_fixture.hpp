@@ -85,7 +85,7 @@ class DeviceTest : public ::testing::Test {
     auto code = std::make_shared<NativeCode>();
     code->name = "block";
     code->signature = std::move(signature);
-    code->signature.arguments.insert(code->signature.arguments.begin(), Kind::Pointer);
+    code->signature.arguments.pushFront(Kind::Pointer);
     code->run = std::move(body);
     code->relay = true;
     const std::uint32_t isGlobal = 1u << 28;

@@ -27,7 +27,7 @@ Method* Class::find(const std::string& selector) {
   for (Class* cls = this; cls; cls = cls->superclass)
     if (Method* method = cls->own(selector))
       return method;
-    else if (cls->denied.contains(selector))
+    else if (!cls->denied.empty() && cls->denied.contains(selector))
       return nullptr;
   return nullptr;
 }

@@ -5,6 +5,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "sim/core/framework.hpp"
@@ -27,8 +28,8 @@ enum class Caller : std::uint8_t { Library, Platform };
 // One call that reached the platform.
 struct Invocation {
   Process& process;
-  Object* self = nullptr;  // null for C functions
-  std::string name;        // selector or function
+  Object* self = nullptr;   // null for C functions
+  const std::string& name;  // selector or function; borrowed for the call
   std::vector<Value> arguments{};
   ArgumentSource* rest = nullptr;  // the variadic part, if the caller passed one
   Caller caller = Caller::Platform;
@@ -98,7 +99,7 @@ class Class final : public Object {
   bool meta;
   Class* instances = nullptr;  // of a metaclass: the class whose class methods it holds
   Factory factory{};           // makes an instance; inherited
-  std::map<std::string, Method> methods;
+  std::unordered_map<std::string, Method> methods;
   std::vector<std::string> variables;             // its own, a word each, behind the class
   std::map<std::string, std::string> properties;  // name -> attributes
   bool mainThreadOnly = false;                    // it and its objects take messages there alone

@@ -247,13 +247,14 @@ Address Device::nextObjectAddress() {
 Address Device::selector(const std::string& name) {
   const auto [entry, fresh] =
       selectors_.try_emplace(name, kFirstSelector + kStep * selectors_.size());
-  if (fresh) selectorNames_[entry->second] = name;
+  if (fresh) selectorNames_.push_back(name);
   return entry->second;
 }
 
 const std::string* Device::selectorName(Address address) const {
-  const auto found = selectorNames_.find(address);
-  return found == selectorNames_.end() ? nullptr : &found->second;
+  const Address index = (address - kFirstSelector) / kStep;
+  const bool isOne = address >= kFirstSelector && address % kStep == 0;
+  return isOne && index < selectorNames_.size() ? &selectorNames_[index] : nullptr;
 }
 
 }  // namespace sim

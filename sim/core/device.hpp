@@ -11,6 +11,7 @@
 #include <optional>
 #include <set>
 #include <typeindex>
+#include <unordered_map>
 
 #include "sim/core/clock.hpp"
 #include "sim/core/files.hpp"
@@ -177,8 +178,8 @@ class Device {
   int depth_ = 0;  // callbacks running
   std::uint64_t started_ = 0;
   Address nextObject_;
-  std::map<std::string, Address> selectors_;
-  std::map<Address, std::string> selectorNames_;
+  std::unordered_map<std::string, Address> selectors_;
+  std::deque<std::string> selectorNames_;  // in the order of their addresses
 };
 
 // What an app does when its process comes up, and SpringBoard when it boots. Implemented by the

@@ -62,6 +62,7 @@ Value Process::dispatch(Object& receiver, const std::string& selector, ArgumentS
     if (values.size() != method->signature.arguments.size())
       throw std::logic_error("platform code sends " + selector + " with a wrong argument count");
   } else {
+    values.reserve(method->signature.arguments.size());
     for (const Kind kind : method->signature.arguments) values.push_back(source->next(kind));
     if (method->signature.variadic) source->beginVariadic();
   }
@@ -132,6 +133,7 @@ Value Process::callFromLibrary(const std::shared_ptr<const NativeCode>& code, bo
     source.next(Kind::Selector);
     if (!invocation.self) throw Fault(code->name + " called on nothing");
   }
+  invocation.arguments.reserve(code->signature.arguments.size());
   for (const Kind kind : code->signature.arguments)
     invocation.arguments.push_back(source.next(kind));
   if (code->signature.variadic) {

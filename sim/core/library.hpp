@@ -48,7 +48,8 @@ class Library {
   // A pointer-wide word within data(), whatever it means.
   virtual Address dataWord(Address at) const { return readPointer(at); }
 
-  std::string readText(Address from) const;
+  // The text that a zero byte ends.
+  virtual std::string readText(Address from) const;
   Address readPointer(Address from) const;
   void writePointer(Address to, Address value);
 };

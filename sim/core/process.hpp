@@ -167,8 +167,8 @@ class Process {
   void installClasses();
   void installFunctions();
 
-  std::map<std::string, Class*> classes_;
-  std::map<std::string, Class*> hiddenClasses_;
+  std::unordered_map<std::string, Class*> classes_;
+  std::unordered_map<std::string, Class*> hiddenClasses_;
   Frameworks frameworks_;
   std::multimap<Framework, Class*> classesOfLateFrameworks_;
   std::unordered_map<Address, Object*> heap_;
@@ -180,7 +180,7 @@ class Process {
     Address exposed = 0;
     Implementation implementation{};  // what runs, under all hooks that there are
   };
-  std::map<std::string, Function> functions_;
+  std::unordered_map<std::string, Function> functions_;
   std::map<std::string, Address> variables_;
   std::map<Address, Ref<Object>> literals_;  // constant strings in the library's data
   std::string deferredFault_;

@@ -58,7 +58,7 @@ Signature Signature::fromEncoding(const std::string& encoding) {
   }
   if (kinds.size() < 3 || kinds[1] != Kind::Object || kinds[2] != Kind::Selector)
     throw std::invalid_argument("method encoding \"" + encoding + "\" lacks receiver or selector");
-  return {kinds[0], {kinds.begin() + 3, kinds.end()}, false};
+  return {kinds[0], std::vector<Kind>(kinds.begin() + 3, kinds.end()), false};
 }
 
 }  // namespace sim

@@ -1,5 +1,7 @@
 // What crosses the border between the library and the platform: scalars of the C ABI.
 #pragma once
+#include <algorithm>
+#include <array>
 #include <bit>
 #include <cstdint>
 #include <stdexcept>
@@ -33,11 +35,44 @@ enum class Kind : std::uint8_t {
   CString,
 };
 
+// Types in order, as many as a function of the platform's may take. Held in place: every call
+// copies some.
+class KindList {
+ public:
+  constexpr KindList() = default;
+  KindList(std::initializer_list<Kind> kinds) {
+    for (const Kind kind : kinds) push_back(kind);
+  }
+  KindList(const std::vector<Kind>& kinds) {  // NOLINT(google-explicit-constructor)
+    for (const Kind kind : kinds) push_back(kind);
+  }
+  void push_back(Kind kind) {
+    if (count_ == kMost) throw std::length_error("a function with too many arguments");
+    all_[count_++] = kind;
+  }
+  void pushFront(Kind kind) {
+    push_back(kind);
+    std::rotate(all_.begin(), all_.begin() + count_ - 1, all_.begin() + count_);
+  }
+  const Kind* begin() const { return all_.data(); }
+  const Kind* end() const { return all_.data() + count_; }
+  std::size_t size() const { return count_; }
+  Kind at(std::size_t index) const { return all_.at(index); }
+  bool operator==(const KindList& other) const {
+    return std::equal(begin(), end(), other.begin(), other.end());
+  }
+
+ private:
+  static constexpr std::size_t kMost = 14;
+  std::array<Kind, kMost> all_{};
+  std::uint8_t count_ = 0;
+};
+
 // The result and arguments of a function; for a method the two hidden arguments (receiver and
 // selector) are left out.
 struct Signature {
   Kind result = Kind::Void;
-  std::vector<Kind> arguments{};
+  KindList arguments{};
   bool variadic = false;
 
   // Reads a runtime type encoding such as "v@:@q" (offsets allowed). Throws std::invalid_argument.

@@ -171,7 +171,8 @@ std::string neighbour(Random& random) {
 }
 
 std::string category(Random& random) {
-  return random.chance(50) ? "category UIAlertView" : "category NSTimer";
+  static const Strings all = {"category UIAlertView", "category NSTimer"};
+  return random.of(all);
 }
 
 std::string usedCategory(Random& random) {

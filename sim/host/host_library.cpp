@@ -216,6 +216,17 @@ class HostLibrary final : public Library {
     check(from, size);
     std::memcpy(to, reinterpret_cast<const void*>(from), size);
   }
+  // Most texts stand in the library's image: searched at once up to the end of their segment.
+  std::string readText(Address from) const override {
+    const auto* text = reinterpret_cast<const char*>(from);
+    for (const auto& range : library_->ranges()) {
+      if (from < range.start || from >= range.start + range.size) continue;
+      const std::size_t most = range.start + range.size - from;
+      const std::size_t length = strnlen(text, most);
+      if (length < most) return {text, length};
+    }
+    return Library::readText(from);
+  }
   void write(Address to, const void* from, std::size_t size) override {
     check(to, size);
     std::memcpy(reinterpret_cast<void*>(to), from, size);
@@ -322,7 +333,9 @@ void simHostEntry(sim::Frame* frame, unsigned number) {
   sim::FrameArguments arguments(*frame);
   sim::Value result;
   if (number < sim::kFirstThunk) {
-    result = sim::running->functionFromLibrary(sim::kImports[number], arguments);
+    static const std::vector<std::string> kNames(std::begin(sim::kImports),
+                                                 std::end(sim::kImports));
+    result = sim::running->functionFromLibrary(kNames[number], arguments);
   } else {
     const sim::Thunk& thunk = sim::thunks[number - sim::kFirstThunk];
     if (!thunk.process) throw sim::Fault("call of platform code that is gone");
