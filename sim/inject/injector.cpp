@@ -1,6 +1,5 @@
 #include "sim/inject/injector.hpp"
 
-
 #include "sim/core/describe.hpp"
 #include "sim/platform/device_actions.hpp"
 
