@@ -1,5 +1,6 @@
 // Twitter accounts and signed requests: Accounts and Social, loaded before anything of them is
-// looked up, as SpringBoard has them only once somebody needed them.
+// looked up, as SpringBoard has them only once somebody needed them. Stands in for the vendor's
+// headers of both; leaves out every other kind of account and request, and what a request answers.
 #pragma once
 #include "platform/foundation.hpp"
 #include "platform/framework.hpp"

@@ -1,5 +1,6 @@
 // Methods and properties that this library adds to classes, and the rows of the tables that add
-// them.
+// them. Stands in for what another compiler writes into an image as a category; leaves out
+// protocols, instance variables and properties of other kinds than copied blocks.
 #pragma once
 #include <iterator>
 

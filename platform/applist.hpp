@@ -1,4 +1,5 @@
-// AppList, an add-on that may be absent: looked up at each use.
+// AppList, an add-on that may be absent: looked up at each use. Stands in for its header; leaves
+// out filters, single values of an app, and the notification that an icon has come.
 #pragma once
 #include "platform/foundation.hpp"
 

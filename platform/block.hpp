@@ -1,4 +1,6 @@
-// C++ callables as the platform's blocks.
+// C++ callables as the platform's blocks. Stands in for what compilers that know blocks make of
+// them; leaves out global blocks, signatures, and variables that a block shares with its function
+// (`__block`).
 //
 // A Block is a block literal on the stack, laid out as the compilers lay theirs out. Whoever keeps
 // it copies it (the `copy` message, dispatch_async, a method that takes a completion handler); the

@@ -1,4 +1,6 @@
-// The platform's C functions and variables, under their real names and signatures.
+// The platform's C functions and variables, under their real names and signatures. Stands in for
+// the vendor's headers of libobjc, libSystem and CoreFoundation, and for Substrate's; leaves out
+// everything that the library does not call.
 //
 // This header is the seam: on the phone the system provides every symbol below, off the phone the
 // simulated platform does, at link time. Each declaration carries the symbol's assembler name as

@@ -1,5 +1,6 @@
 // String objects that live in the library's own data, as the compiler's @"…" makes them: no message
-// is sent to have one, and retain and release do not count.
+// is sent to have one, and retain and release do not count. Leaves out texts beyond ASCII, which
+// have another layout.
 #pragma once
 #include "platform/object.hpp"
 

@@ -1,5 +1,6 @@
 // Type encodings of methods ("v@:@q"), made from the C++ function types themselves, so that they
-// are right on both widths.
+// are right on both widths. Stands in for the compiler's @encode; leaves out frame offsets, which
+// are optional, and types that no added method has.
 #pragma once
 #include "platform/types.hpp"
 

@@ -1,4 +1,5 @@
-// Views over Foundation's classes.
+// Views over Foundation's classes. Stands in for its headers; leaves out every class and method
+// that the library does not use.
 #pragma once
 #include "platform/constant_string.hpp"
 #include "platform/message.hpp"

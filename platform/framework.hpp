@@ -1,6 +1,7 @@
 // Frameworks that are reached by name and loaded where they are needed: linking one would load it,
 // and what it needs, into every process. Each is loaded before anything of it is looked up, as the
-// process may not have it yet.
+// process may not have it yet. Stands in for a list of linked libraries; leaves out unloading: what
+// is loaded stays.
 #pragma once
 #include "platform/object.hpp"
 

@@ -1,4 +1,5 @@
-// Hooks and the rows of the tables that install them.
+// Hooks and the rows of the tables that install them. Stands in for the preprocessors that hooks
+// are otherwise written in; leaves out hooks that come and go: what is installed stays.
 //
 // A hook is a type with two static members: `replacement`, the function that takes the method's
 // place, and `previous`, its previous-implementation slot, filled when it is installed. A row does

@@ -1,4 +1,6 @@
-// A string literal as a template argument.
+// A string literal as a template argument: what selectors, class names and constant texts are named
+// by. Stands in for nothing of the platform; leaves out every operation on texts but counting a
+// character.
 #pragma once
 #include <cstddef>
 

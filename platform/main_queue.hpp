@@ -1,4 +1,5 @@
-// The main thread, on which everything of UIKit and SpringBoard must happen.
+// The main thread, on which everything of UIKit and SpringBoard must happen. Stands in for
+// libdispatch's header; leaves out every other queue, and waiting.
 #pragma once
 #include "platform/block.hpp"
 

@@ -1,4 +1,6 @@
 // MediaRemote, the audio system and the phone: what plays, what is plugged in, who is calling.
+// Stands in for headers that the vendor does not publish; leaves out all media commands but four,
+// and everything that they tell but what is asked here.
 #pragma once
 #include "platform/foundation.hpp"
 #include "platform/framework.hpp"

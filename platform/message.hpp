@@ -1,5 +1,7 @@
 // Message sending: the only place that calls objc_msgSend, each time through the exact prototype of
-// the method sent.
+// the method sent. Stands in for what the compiler makes of `[receiver message]`; leaves out
+// results that are structures, of which no message here has one, and messages to super, for which
+// settings/bundle.hpp has a way of its own.
 #pragma once
 #include "platform/object.hpp"
 #include "platform/selector.hpp"

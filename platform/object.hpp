@@ -1,6 +1,7 @@
 // Views over platform objects. A view is one borrowed pointer: copying it costs nothing and owns
 // nothing, and a view of nothing (nil) answers every message with zero. A reference that is owned
-// is a type of its own, Retained.
+// is a type of its own, Retained. Stands in for the compiler's own counting of references; leaves
+// out weak ones.
 #pragma once
 #include <utility>
 

@@ -1,5 +1,6 @@
 // The player apps' own classes. They are other people's and may change: callers ask respondsTo
-// before each message.
+// before each message. Stands in for headers that nobody publishes; leaves out all of the apps but
+// the way to their players.
 #pragma once
 #include "platform/foundation.hpp"
 

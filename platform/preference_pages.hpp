@@ -1,5 +1,6 @@
 // Views over Preferences.framework, of which pages in the Settings app are made. Only that app has
-// it; nothing here is linked.
+// it; nothing here is linked. Stands in for headers that the vendor does not publish; leaves out
+// the kinds of rows that the settings page has not.
 #pragma once
 #include "platform/foundation.hpp"
 #include "platform/uikit.hpp"

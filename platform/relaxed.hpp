@@ -1,5 +1,6 @@
 // A variable that several threads touch without caring for the order: each sees some value that was
-// stored whole. Costs what a plain variable costs.
+// stored whole. Costs what a plain variable costs. Stands in for std::atomic; leaves out every
+// order but the relaxed one, and everything but loading and storing.
 #pragma once
 
 namespace platform {

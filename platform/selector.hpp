@@ -1,4 +1,6 @@
-// Selectors are literals, registered with the runtime when they are first used and kept.
+// Selectors are literals, registered with the runtime when they are first used and kept. Stands in
+// for the compiler's @selector, which registers all of an image's at its load; leaves out names
+// made at run time.
 #pragma once
 #include "platform/c_abi.hpp"
 #include "platform/literal.hpp"

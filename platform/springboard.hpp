@@ -1,4 +1,6 @@
-// Views over SpringBoard's own classes and the scenes of FrontBoard.
+// Views over SpringBoard's own classes and the scenes of FrontBoard. Stands in for headers that the
+// vendor does not publish; leaves out every message that the library does not send. Which releases
+// have which of them is said where they differ.
 #pragma once
 #include "platform/uikit.hpp"
 

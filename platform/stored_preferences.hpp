@@ -1,5 +1,6 @@
 // CFPreferences: the values of a domain, as the system's own store has them. On iOS 7 that is the
 // domain's file; from iOS 8 on, cfprefsd's copy, which gets to the file when the daemon likes.
+// Leaves out reading, and other users and hosts.
 #pragma once
 #include "platform/foundation.hpp"
 

@@ -1,4 +1,6 @@
-// C functions of frameworks that are loaded only when they are needed.
+// C functions of frameworks that are loaded only when they are needed: a system sound, and whether
+// there is a network. Stands in for the headers of AudioToolbox and SystemConfiguration; leaves out
+// everything else of them, so also being told when the network changes.
 #pragma once
 #include "platform/framework.hpp"
 

@@ -1,4 +1,6 @@
-// The platform's C types, and the one place that knows how 32- and 64-bit devices differ.
+// The platform's C types, and the one place that knows how 32- and 64-bit devices differ. Stands in
+// for the headers that declare them; leaves out structures, but for those that stand beside their
+// one use.
 #pragma once
 #include <cstddef>
 #include <cstdint>

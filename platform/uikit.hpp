@@ -1,4 +1,6 @@
 // Views over UIKit. Nothing links UIKit: daemons get the library too, and must not get UIKit by it.
+// Stands in for its headers; leaves out everything but alerts, opening addresses, and what the
+// settings page is drawn with.
 #pragma once
 #include "platform/foundation.hpp"
 

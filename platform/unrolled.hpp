@@ -1,6 +1,6 @@
 // For what runs in every process that starts, where instructions are counted: tables are gone
 // through row by row at compile time, and a function that is called again and again is looked up
-// once.
+// once. Stands in for nothing of the platform; where nobody counts, an ordinary loop does.
 #pragma once
 #include <utility>
 

@@ -1,5 +1,6 @@
-// The platform's version. Read afresh at each test: a constant to the compiler, it may be another
-// value to whoever tests the library, so that no test may go by an earlier one's reading.
+// The platform's version, and where behaviour changes. Read afresh at each test: a constant to the
+// compiler, it may be another value to whoever tests the library, so that no test may go by an
+// earlier one's reading. Leaves out the releases at which nothing changes.
 #pragma once
 #include "platform/c_abi.hpp"
 
