@@ -1,4 +1,5 @@
-// corvalen-sim: runs the library on a simulated device.
+// corvalen-sim: runs the library on a simulated device. The command line alone; what its commands
+// do stands in sim/scenario, sim/explore, sim/inject and sim/guest.
 #include <CLI/CLI.hpp>
 #include <cstdlib>
 #include <fstream>

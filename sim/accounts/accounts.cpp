@@ -1,4 +1,6 @@
-// Accounts and Social: the device's Twitter accounts, and requests signed by one of them.
+// Accounts and Social: the device's Twitter accounts, and requests signed by one of them. Leaves
+// out the dialogue that asks the user for access (the device's state says what he answers), other
+// services, and whatever the network would answer.
 #include <fmt/format.h>
 
 #include <algorithm>

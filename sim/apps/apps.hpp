@@ -1,4 +1,6 @@
-// What the apps do when their process comes up.
+// What the apps do when their process comes up, and what their players share. Stands in for
+// Spotify, Podcasts and Garmin Connect; leaves out every screen of theirs, sound, and that their
+// classes differ from one release to the next.
 #pragma once
 #include <optional>
 

@@ -1,4 +1,5 @@
-// The player apps' own classes.
+// The player apps' own classes: a function each, for sim/platform/class_list.cpp. Leaves out the
+// classes themselves, which stand in the file of their app.
 #pragma once
 #include "sim/core/class_definition.hpp"
 

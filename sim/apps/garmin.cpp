@@ -1,3 +1,5 @@
+// Garmin Connect: the object that the watch's buttons reach. Leaves out the watch and the way from
+// it, and what the app itself does with a command.
 #include "sim/apps/apps.hpp"
 #include "sim/apps/definitions.hpp"
 #include "sim/core/device.hpp"

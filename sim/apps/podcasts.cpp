@@ -1,3 +1,6 @@
+// Podcasts: its two app delegates, the controller and the player behind it. Leaves out episodes and
+// pausing, and that older releases have another way to the player: both ways are there on every
+// version.
 #include "sim/apps/apps.hpp"
 #include "sim/apps/definitions.hpp"
 #include "sim/core/device.hpp"

@@ -1,3 +1,5 @@
+// Spotify: its app delegate, playback controller, player and the player's state. Leaves out tracks,
+// accounts and radio, and what is saved when state is saved.
 #include "sim/apps/apps.hpp"
 #include "sim/apps/definitions.hpp"
 #include "sim/core/device.hpp"

@@ -1,5 +1,7 @@
 // Turns C++ functions into platform code: signatures, argument checks and ownership of results come
-// from the C++ types.
+// from the C++ types. Stands in for the compiler's knowledge of a method that platform code is
+// compiled with; leaves out structures, floats, and integers of 16 bits, which no method here
+// takes.
 #pragma once
 #include "sim/core/process.hpp"
 

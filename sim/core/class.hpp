@@ -1,4 +1,6 @@
-// Classes of a simulated process and the implementations behind their methods.
+// Classes of a simulated process and the implementations behind their methods. Stands in for
+// libobjc's own structures; leaves out protocols, method caches, and classes that change their
+// superclass.
 #pragma once
 #include <functional>
 #include <map>

@@ -1,3 +1,5 @@
+// Which of its methods a class has in a process: by the version, the add-ons and what the device
+// lacks.
 #include "sim/core/class_definition.hpp"
 
 #include <algorithm>

@@ -1,4 +1,6 @@
-// Templates of simulated classes: each process makes its own classes from them.
+// Templates of simulated classes: each process makes its own classes from them. Stands in for the
+// metadata in the system's images, which the runtime reads at their load; leaves out methods that
+// nobody sends.
 #pragma once
 #include <type_traits>
 

@@ -1,4 +1,5 @@
-// The device's virtual clock: time moves only by advance().
+// The device's virtual clock: time moves only by advance(). Stands in for the machine's clock and
+// for every run loop's timers; leaves out time that work takes.
 #pragma once
 #include <functional>
 #include <optional>

@@ -1,4 +1,5 @@
-// How calls read in traces.
+// How calls read in traces. Stands in for what somebody with a debugger on the phone would write
+// down; leaves out addresses, and most of what is inside of objects.
 #pragma once
 #include "sim/core/class.hpp"
 

@@ -1,4 +1,5 @@
-// The simulated device: what is installed, what is held and shown, and the processes.
+// The simulated device: what is installed, what is held and shown, and the processes. Stands in for
+// the phone as a whole; leaves out that two things may happen at the same time.
 //
 // Setting a field is what the platform does silently. What causes events goes through the methods
 // of Device or through messages to the platform's objects.

@@ -1,4 +1,6 @@
-// Message sending and function calls: how a call finds its code, on whichever side it is.
+// Message sending and function calls: how a call finds its code, on whichever side it is. Stands in
+// for objc_msgSend, the dynamic linker's binding of functions, and what Substrate puts between;
+// leaves out forwarding, by which an object may take messages that it has no method for.
 #include <fmt/format.h>
 
 #include "sim/core/class_definition.hpp"

@@ -1,4 +1,6 @@
-// What a test makes go wrong on the device. Without one, the platform behaves.
+// What a test makes go wrong on the device. Without one, the platform behaves. Stands in for a
+// phone's bad days; leaves out wrong answers of another class than is documented, and losses within
+// one call.
 #pragma once
 #include <optional>
 #include <string>

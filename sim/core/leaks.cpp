@@ -1,4 +1,6 @@
-// Finds references of the library's own that it has lost, or never needed.
+// Finds references of the library's own that it has lost, or never needed. Stands in for the tool
+// by which a phone's heap is searched; leaves out circles of objects that hold each other, and the
+// platform's own references.
 #include <algorithm>
 #include <map>
 

@@ -1,6 +1,7 @@
 // The library as one process has it loaded. There are several ways of running it; the simulated
 // world knows only this interface: it calls code at an address, and reads and writes the memory
-// that the ABI hands over.
+// that the ABI hands over. Stands in for the dynamic loader and for the process's memory; leaves
+// out unloading while the process runs.
 #pragma once
 #include <filesystem>
 #include <memory>

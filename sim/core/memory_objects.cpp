@@ -1,4 +1,6 @@
-// Objects that live in the library's own memory: constant strings and block literals.
+// Objects that live in the library's own memory: constant strings and block literals; and the
+// platform's variables that hold a text. Stands in for what the runtime reads straight from there;
+// leaves out constant strings beyond 8-bit characters.
 #include "sim/core/device.hpp"
 #include "sim/foundation/block.hpp"
 #include "sim/foundation/string.hpp"

@@ -1,4 +1,5 @@
-// Simulated platform objects and their reference counts.
+// Simulated platform objects and their reference counts. Stands in for libobjc's counting and
+// associations; leaves out weak references, and counts that overflow.
 #pragma once
 #include <map>
 #include <optional>

@@ -1,4 +1,6 @@
-// One process of the simulated device: its heap, its classes, its copy of the library.
+// One process of the simulated device: its heap, its classes, its copy of the library. Stands in
+// for an app's, a daemon's or SpringBoard's process; leaves out the sandbox, memory limits, and
+// threads beside the one that has the turn.
 #pragma once
 #include <map>
 #include <memory>

@@ -1,4 +1,5 @@
-// Where the effects of a run go.
+// Where the effects of a run go. Stands in for nothing on the phone, where nobody keeps count;
+// leaves out how a trace is printed, which sim/scenario/output.hpp does.
 #pragma once
 #include <cstdint>
 #include <string>

@@ -1,4 +1,5 @@
-// What crosses the border between the library and the platform: scalars of the C ABI.
+// What crosses the border between the library and the platform: scalars of the C ABI. Stands in for
+// the registers and stack words of a call; leaves out structures by value.
 #pragma once
 #include <algorithm>
 #include <array>

@@ -1,4 +1,6 @@
-// The versions of the system at which its classes change, as kCFCoreFoundationVersionNumber.
+// The versions of the system at which its classes change, as kCFCoreFoundationVersionNumber. Stands
+// in for the releases' differences; leaves out those between releases of which no class here is
+// another.
 #pragma once
 #include <limits>
 

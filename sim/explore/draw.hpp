@@ -1,4 +1,6 @@
-// Draws commands of the scenario language at random, sensible or not.
+// Draws commands of the scenario language at random, sensible or not. Stands in for users and
+// phones that nobody has thought of; leaves out title views that end in the middle of a title's
+// update, which on a phone too would end the process by the platform's own rule.
 #pragma once
 #include "sim/search/random.hpp"
 

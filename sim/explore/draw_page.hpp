@@ -1,4 +1,5 @@
-// What the user does in the Settings app, drawn at random.
+// What the user does in the Settings app, drawn at random. Leaves out pages that are not the
+// product's.
 #pragma once
 #include <string>
 #include <vector>

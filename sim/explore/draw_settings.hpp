@@ -1,4 +1,5 @@
-// Draws settings files of every kind that a property list can be.
+// Draws settings files of every kind that a property list can be. Stands in for other writers of
+// the file; leaves out files that are cut off, which sim/explore/draw.hpp makes of them.
 #pragma once
 #include "sim/foundation/plist_file.hpp"
 #include "sim/search/random.hpp"

@@ -1,4 +1,6 @@
-// What of the platform is there: frameworks, selectors and methods, drawn at random.
+// What of the platform is there: frameworks, selectors and methods, drawn at random. Stands in for
+// the releases and the broken installations that there are; leaves out classes and methods that the
+// library neither hooks nor asks for.
 #pragma once
 #include <string>
 #include <vector>

@@ -1,4 +1,5 @@
-// Searches for scenarios that break an invariant.
+// Searches for scenarios that break an invariant. Stands in for many phones in many hands; leaves
+// out what cannot be said in the scenario language.
 #pragma once
 #include <functional>
 #include <memory>

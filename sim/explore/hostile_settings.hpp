@@ -1,4 +1,5 @@
-// Settings files that nobody should have, and what is done on a device that has one.
+// Settings files that nobody should have, and what is done on a device that has one. Stands in for
+// damaged storage and ill will; leaves out files that change while they are read.
 #pragma once
 #include <string>
 

@@ -1,4 +1,5 @@
-// What must hold whatever happens, checked after every command.
+// What must hold whatever happens, checked after every command. Stands in for what a user of a
+// phone would complain about; leaves out whether a rule was followed, which tests/rules compares.
 #pragma once
 #include <map>
 #include <optional>

@@ -1,4 +1,6 @@
-// The names that drawn scenarios use.
+// The names that drawn scenarios use: settings, signals, apps, versions, add-ons. Written down a
+// second time here, not taken from the library: what it calls by a wrong name is to be found out.
+// Leaves out apps that differ in nothing from these.
 #pragma once
 #include <string>
 #include <vector>

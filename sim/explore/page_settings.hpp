@@ -1,5 +1,6 @@
 // What the user has set on the settings page: it must stay in the file until somebody sets it
-// otherwise, whatever cfprefsd, SpringBoard and the Settings app do meanwhile.
+// otherwise, whatever cfprefsd, SpringBoard and the Settings app do meanwhile. Stands in for the
+// user's memory; leaves out what was set elsewhere.
 #pragma once
 #include <map>
 #include <optional>

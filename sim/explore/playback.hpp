@@ -1,4 +1,5 @@
-// Plays a list of commands under watch.
+// Plays a list of commands under watch. Stands in for a device in somebody's hands; leaves out
+// expectations: the invariants are all that is asked.
 #pragma once
 #include <functional>
 

@@ -1,4 +1,5 @@
-// Plays drawn scenarios with another program: the library on a real Objective-C runtime.
+// Plays drawn scenarios with another program: the library on a real Objective-C runtime. Leaves out
+// the lines that it cannot play, or plays otherwise by its own mistake.
 #pragma once
 #include <string>
 

@@ -1,4 +1,5 @@
-// Which call of the platform's each command makes, as the trace shows it.
+// Which call of the platform's each command makes, as the trace shows it. Leaves out commands that
+// make none.
 #include <fmt/format.h>
 
 #include <algorithm>

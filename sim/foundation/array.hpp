@@ -1,5 +1,6 @@
 // NSArray and NSMutableArray. CoreFoundation's arrays are the same objects; made with null
-// callbacks they hold their elements without a reference.
+// callbacks they hold their elements without a reference. Leaves out sorting, inserting, and
+// enumerating without a buffer: elements are handed out in batches, never all at once.
 #pragma once
 #include <optional>
 

@@ -1,4 +1,6 @@
-// The binary form of property lists, looked at before a parser is trusted with it.
+// The binary form of property lists, looked at before a parser is trusted with it. Stands in for
+// the limits that CoreFoundation's reader has by itself; leaves out reading values, which libplist
+// does.
 #pragma once
 #include <cstdint>
 #include <string>

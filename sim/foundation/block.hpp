@@ -1,4 +1,6 @@
 // Block objects: literals in the library's memory and the copies that the platform makes of them.
+// Stands in for libsystem_blocks; leaves out shared variables (`__block`) and blocks that return
+// structures.
 #pragma once
 #include "sim/core/process.hpp"
 

@@ -1,4 +1,5 @@
-// NSData and NSDate, which settings files may hold.
+// NSData and NSDate, which settings files may hold. Leaves out everything that one could do with
+// them: they are read, compared and written again.
 #pragma once
 #include "sim/core/process.hpp"
 #include "sim/foundation/plist_file.hpp"

@@ -1,4 +1,6 @@
-// The simulated classes of Foundation and CoreFoundation.
+// The simulated classes of Foundation and CoreFoundation: a function each, for
+// sim/platform/class_list.cpp. Leaves out the classes themselves, which stand in the files named
+// after them.
 #pragma once
 #include "sim/core/class_definition.hpp"
 

@@ -1,4 +1,5 @@
-// NSDictionary and NSMutableDictionary, with texts as keys, in order of insertion.
+// NSDictionary and NSMutableDictionary, with texts as keys, in order of insertion. Leaves out keys
+// of other classes, and the order in which the platform hands keys out, which nobody may rely on.
 #pragma once
 #include "sim/core/process.hpp"
 

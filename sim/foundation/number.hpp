@@ -1,5 +1,5 @@
 // NSNumber: a truth value, a whole number (unsigned if it is beyond the signed ones), or a real
-// one.
+// one. Leaves out arithmetic, formats and widths below 64 bits.
 #pragma once
 #include <variant>
 

@@ -1,4 +1,5 @@
-// NSObject: what every object and class answers.
+// NSObject: what every object and class answers. Leaves out forwarding, key-value coding and
+// observing, performing selectors later, and `description`.
 #include "sim/core/class_definition.hpp"
 #include "sim/foundation/definitions.hpp"
 

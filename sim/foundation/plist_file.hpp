@@ -1,4 +1,5 @@
-// Property lists as bytes: the two forms that the platform reads, XML and binary.
+// Property lists as bytes: the two forms that the platform reads, XML and binary. Stands in for
+// CoreFoundation's reader and writer; leaves out old-style lists.
 #pragma once
 #include <plist/plist.h>
 

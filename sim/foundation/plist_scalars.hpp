@@ -1,5 +1,5 @@
 // Numbers, dates and data as an XML property list writes them, and as strict as the platform's own
-// parser is about their form.
+// parser is about their form. Leaves out years that have not four digits.
 #pragma once
 #include <cstdint>
 #include <string>

@@ -1,4 +1,5 @@
-// Property lists in the device's file system: XML and binary ones are read, XML is written.
+// Property lists in the device's file system: XML and binary ones are read, XML is written. Stands
+// in for initWithContentsOfFile: and writeToFile:atomically:; leaves out owners and modes of files.
 #pragma once
 #include "sim/foundation/dictionary.hpp"
 #include "sim/foundation/plist_file.hpp"

@@ -1,4 +1,6 @@
-// Addresses as the platform passes them around.
+// NSURL, and NSFileManager beside it in services.cpp: addresses as the platform passes them around,
+// and whether a file is there. Leaves out the parts of an address, and everything that changes
+// files.
 #pragma once
 #include "sim/core/process.hpp"
 

@@ -1,4 +1,5 @@
-// NSString: immutable UTF-8 text.
+// NSString: immutable UTF-8 text. Leaves out mutable strings, other encodings, and everything that
+// a format can hold but %@ and %%.
 #pragma once
 #include "sim/core/process.hpp"
 

@@ -1,5 +1,6 @@
 // NSTimer on the device's virtual clock. The run loop holds a scheduled timer, and the timer its
-// target and user info, until it is invalidated.
+// target and user info, until it is invalidated. Leaves out tolerances, fire dates, and run loops
+// of other threads than the main one.
 #pragma once
 #include "sim/core/process.hpp"
 

@@ -1,4 +1,5 @@
-// The XML form of property lists, read as strictly as the platform's own parser reads it.
+// The XML form of property lists, read as strictly as the platform's own parser reads it. Stands in
+// for CoreFoundation's, over Expat; leaves out the old-style form that it tries after a failure.
 #pragma once
 #include "sim/foundation/plist_file.hpp"
 

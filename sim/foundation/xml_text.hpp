@@ -1,5 +1,6 @@
 // What comes before an XML property list's first element: byte order mark, encoding, prolog; and
-// the characters that XML cannot hold though property lists do.
+// the characters that XML cannot hold though property lists do. Stands in for the first part of
+// CoreFoundation's reader; leaves out encodings but four, and what a DTD declares.
 #pragma once
 #include <optional>
 #include <string>

@@ -1,4 +1,5 @@
-// What a fault in the guest looked like: registers and the functions that led there.
+// What a fault in the guest looked like: registers and the functions that led there. Stands in for
+// a crash log; leaves out other threads and the platform's own frames.
 #pragma once
 #include <string>
 

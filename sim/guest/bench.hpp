@@ -1,4 +1,6 @@
-// What the device binary costs the processes it is loaded into.
+// What the device binary costs the processes it is loaded into. Stands in for a profiler on the
+// phone; leaves out time, caches and what the platform does when it is called: instructions, calls
+// and pages are counted.
 #pragma once
 #include <filesystem>
 #include <ostream>

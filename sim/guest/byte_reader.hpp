@@ -1,4 +1,5 @@
-// Reads from a file's bytes; every read is checked.
+// Reads from a file's bytes; every read is checked. Nothing of a phone; leaves out big-endian
+// files, but for the header of fat ones.
 #pragma once
 #include <fmt/format.h>
 

@@ -1,4 +1,5 @@
 // The C library functions that compilers call on their own (memcpy and its like), for the guest.
+// Leaves out the rest of the C library, of which the platform has what the library calls itself.
 #pragma once
 #include <array>
 #include <optional>

@@ -1,5 +1,5 @@
 // Where arguments stand when ARM code calls or is called: the rules of both 32- and 64-bit devices,
-// as a walk over the argument types.
+// as a walk over the argument types. Leaves out structures and vectors.
 #pragma once
 #include <array>
 

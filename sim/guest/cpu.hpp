@@ -1,4 +1,5 @@
 // The processor of one emulated process: Unicorn, set up for a slice, over the process's memory.
+// Stands in for one core of the phone's; leaves out other cores, caches, timing and system calls.
 #pragma once
 #include <unicorn/unicorn.h>
 

@@ -1,5 +1,6 @@
 // The fix-ups of an image, as small programs of opcodes: which pointers move with the image, and
-// which are set to imported symbols.
+// which are set to imported symbols. Stands in for that part of dyld; leaves out the opcodes of
+// later systems, which are errors.
 #pragma once
 #include "sim/guest/byte_reader.hpp"
 

@@ -1,4 +1,5 @@
-// Arguments and results between the world and ARM code.
+// Arguments and results between the world and ARM code. Stands in for the instructions that a
+// compiler writes around a call; leaves out results that are structures.
 #pragma once
 #include "sim/core/class.hpp"
 #include "sim/guest/calling_convention.hpp"

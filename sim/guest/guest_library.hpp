@@ -1,5 +1,6 @@
 // The library's device binary, run by an emulated processor: the second way of running it, against
-// the very same simulated platform as the host build.
+// the very same simulated platform as the host build. Stands in for dyld and the processor
+// together; leaves out the code signature, which nothing here checks.
 #pragma once
 #include <filesystem>
 #include <memory>

@@ -1,5 +1,6 @@
 // The memory of one emulated process. Guest addresses are the same at every run; the host's memory
-// behind them is found by region.
+// behind them is found by region. Stands in for the kernel's mappings and malloc; leaves out
+// address randomisation, paging and protections that change.
 #pragma once
 #include <map>
 #include <memory>

@@ -1,5 +1,7 @@
 // An image in one emulated process, the library's or the settings bundle's: its segments mapped,
-// its fix-ups applied, its imports bound to traps and to the platform's variables.
+// its fix-ups applied, its imports bound to traps and to the platform's variables. Stands in for
+// dyld's loading; leaves out binding at the first call, as everything is bound at once, and images
+// that it would load along.
 #pragma once
 #include <functional>
 #include <string>

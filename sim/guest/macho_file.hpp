@@ -1,5 +1,5 @@
 // Device binaries: Mach-O files, fat or thin, read and checked as strictly as a phone's loader
-// does.
+// does. Leaves out slices but arm64 and armv7; encrypted files are refused.
 #pragma once
 #include <cstdint>
 #include <stdexcept>

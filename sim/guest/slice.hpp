@@ -1,4 +1,4 @@
-// The two architectures that a device binary holds.
+// The two architectures that a device binary holds. Leaves out armv7s, arm64e and the simulator's.
 #pragma once
 #include <cstdint>
 

@@ -1,4 +1,5 @@
-// The addresses at which the guest reaches the platform.
+// The addresses at which the guest reaches the platform. Stand in for the code of the system's
+// libraries; leave out that one could read or patch it.
 #pragma once
 #include <map>
 #include <memory>

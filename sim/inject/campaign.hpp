@@ -1,4 +1,5 @@
-// Plays tours with injected faults, one at a time or in pairs.
+// Plays tours with injected faults, one at a time or in pairs. Stands in for years of a phone's bad
+// luck; leaves out three at once, and faults that come and go within a run.
 #pragma once
 #include <memory>
 

@@ -1,4 +1,5 @@
-// The faults that can be injected into a run, each for the whole of it.
+// The faults that can be injected into a run, each for the whole of it. Stand in for missing
+// classes, busy daemons and full memory; leave out answers that are wrong rather than missing.
 #pragma once
 #include <cstdint>
 #include <set>

@@ -1,4 +1,5 @@
-// Carries injected faults out on one device, and takes down what could be made to fail.
+// Carries injected faults out on one device, and takes down what could be made to fail. Stands in
+// for whatever fails on a phone; leaves out failures of what the library does not call.
 #pragma once
 #include <map>
 #include <set>

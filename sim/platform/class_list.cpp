@@ -1,4 +1,5 @@
-// Every class that the simulated platform knows, superclasses first.
+// Every class that the simulated platform knows, superclasses first. Stands in for the system's
+// images and the add-ons'; leaves out every class that neither the library nor a scenario meets.
 #include "sim/accounts/definitions.hpp"
 #include "sim/apps/definitions.hpp"
 #include "sim/foundation/definitions.hpp"

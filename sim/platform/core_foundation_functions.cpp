@@ -1,4 +1,5 @@
-// CoreFoundation's notification centers, arrays and reference counts.
+// CoreFoundation's notification centers, arrays and reference counts. Leaves out removing
+// observers, observers that wait while a process sleeps, and arrays with callbacks of one's own.
 #include <fmt/format.h>
 
 #include "sim/core/trace.hpp"

@@ -1,5 +1,7 @@
 // What happens to the device: one function for each thing that the user, an app or the platform
 // does. Each runs one callback of a process; what it posts or queues waits for Device::drain().
+// Stands in for fingers, plugs and other programs; leaves out the way that their touch takes
+// through the system until it is a message.
 #pragma once
 #include "sim/core/device.hpp"
 #include "sim/uikit/alert_view.hpp"

@@ -1,4 +1,6 @@
 // C functions of frameworks that are found by name: MediaRemote, AudioToolbox, SystemConfiguration.
+// Leaves out what the commands and the sound do to the ear: the trace says that they were made; and
+// routes to any address but the all-zero one.
 #include <cstring>
 
 #include "sim/core/device.hpp"

@@ -1,4 +1,5 @@
-// The platform's C functions, a list for each library that exports them.
+// The platform's C functions, a list for each library that exports them. Stands in for their tables
+// of exports; leaves out what the library does not import, an unknown import being an error.
 #pragma once
 #include "sim/core/bind.hpp"
 

@@ -1,7 +1,8 @@
 // Another extension in the process, which has hooked what our library hooks, before it or after it:
 // it passes every call on as it is, once, and the result back.
 //
-// Left out: an extension that changes or swallows what it gets.
+// Stands in for any other tweak on the same methods. Left out: an extension that changes or
+// swallows what it gets.
 #pragma once
 #include <string>
 #include <vector>

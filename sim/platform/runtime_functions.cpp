@@ -1,4 +1,5 @@
-// libobjc's C functions.
+// libobjc's C functions. Leaves out what the library does not import: protocols, lists of methods,
+// weak references. Types of added methods are checked where they answer an alert.
 #include "sim/platform/functions.hpp"
 
 namespace sim {

@@ -1,4 +1,5 @@
-// What SpringBoard does when it boots, and each app when its process comes up.
+// What SpringBoard does when it boots, and each app when its process comes up. Stands in for their
+// main functions; leaves out everything on the way that no hook meets.
 #include "sim/apps/apps.hpp"
 #include "sim/core/device.hpp"
 #include "sim/platform/telling.hpp"

@@ -1,4 +1,6 @@
-// Cydia Substrate.
+// Cydia Substrate. Leaves out its loader, with filters and safe mode: every process that starts has
+// the library; and instructions, as functions are replaced by their name and not by a jump written
+// into them.
 #include <fmt/format.h>
 
 #include "sim/platform/functions.hpp"

@@ -1,4 +1,5 @@
-// What libSystem exports: dyld, libdispatch, libnotify and the C library.
+// What libSystem exports: dyld, libdispatch, libnotify and the C library. Leaves out queues but the
+// main one, notifications that are merged because they come quickly, and what a command line does.
 #include "sim/core/device.hpp"
 #include "sim/foundation/block.hpp"
 #include "sim/platform/functions.hpp"

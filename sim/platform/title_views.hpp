@@ -1,4 +1,5 @@
-// The title views that live in SpringBoard, by the names that scenarios give them.
+// The title views that live in SpringBoard, by the names that scenarios give them. Stands in for
+// the screens that have such views (lock screen, Control Center); leaves out drawing.
 #pragma once
 #include "sim/core/class_definition.hpp"
 #include "sim/springboard/media.hpp"

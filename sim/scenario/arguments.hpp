@@ -1,4 +1,5 @@
-// The arguments of a scenario command, read one after the other.
+// The arguments of a scenario command, read one after the other. Nothing of a phone; leaves out
+// whether a command makes sense on the device as it is, which only its run can tell.
 #pragma once
 #include <optional>
 

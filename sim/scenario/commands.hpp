@@ -1,4 +1,5 @@
-// The commands of the scenario language.
+// The commands of the scenario language. Stand in for a user's hands, and for somebody who can set
+// a phone up as he likes; leave out expectations, which sim/scenario/script.hpp reads.
 #pragma once
 #include <functional>
 #include <optional>

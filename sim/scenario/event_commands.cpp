@@ -1,4 +1,5 @@
-// Commands that make something happen.
+// Commands that make something happen. Leaves out how: sim/platform/device_actions.hpp and
+// sim/settings/settings_app.hpp do it.
 #include "sim/platform/device_actions.hpp"
 #include "sim/scenario/commands.hpp"
 #include "sim/scenario/script.hpp"

@@ -1,4 +1,5 @@
-// How a run is printed: as text for people, or as one JSON object a line for programs.
+// How a run is printed: as text for people, or as one JSON object a line for programs. Nothing of a
+// phone; leaves out expectations that failed, which go to standard error.
 #pragma once
 #include <ostream>
 

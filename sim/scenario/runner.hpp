@@ -1,4 +1,5 @@
-// Plays scenarios on a simulated device.
+// Plays scenarios on a simulated device. Nothing of a phone; leaves out reading them
+// (sim/scenario/script.hpp).
 #pragma once
 #include <ostream>
 

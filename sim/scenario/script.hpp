@@ -1,4 +1,5 @@
 // A scenario as it was read: its commands with their arguments checked, and its expectations.
+// Nothing of a phone; leaves out loops, variables and conditions: a scenario is a story.
 #pragma once
 #include <functional>
 #include <string>

@@ -1,4 +1,5 @@
-// Commands that set the device up, without any event.
+// Commands that set the device up, without any event. Leaves out what a phone would tell its
+// processes of such a change: nobody hears of it.
 #include <algorithm>
 
 #include "sim/core/class_definition.hpp"

@@ -1,5 +1,6 @@
-// What the settings pane does to the settings file, announcing nothing. Whatever changes the file
-// throws ActionError if there is a folder in its place.
+// What somebody does to the settings file, announcing nothing. Whatever changes the file throws
+// ActionError if there is a folder in its place. Stands in for an editor on the phone, or a
+// settings page of another kind; leaves out cfprefsd, which hears nothing of it.
 #pragma once
 #include <map>
 #include <optional>

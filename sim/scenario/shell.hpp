@@ -1,4 +1,5 @@
-// The scenario language, typed one command at a time.
+// The scenario language, typed one command at a time. Nothing of a phone; leaves out expectations
+// that are to be checked later.
 #pragma once
 #include <iosfwd>
 

@@ -1,4 +1,4 @@
-// The words of a scenario line.
+// The words of a scenario line. Nothing of a phone; leaves out what they mean.
 #pragma once
 #include <stdexcept>
 #include <string>

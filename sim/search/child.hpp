@@ -1,4 +1,5 @@
 // A process of the host's own that does part of a search: what it meets cannot end the search.
+// Nothing of a phone; leaves out limits of memory, which the host has to set.
 #pragma once
 #include <sys/types.h>
 

@@ -1,4 +1,5 @@
-// Random choices that are the same on every machine for the same seed.
+// Random choices that are the same on every machine for the same seed. Nothing of a phone; leaves
+// out evenness to the last digit, which no search needs.
 #pragma once
 #include <cstdint>
 #include <random>

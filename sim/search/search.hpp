@@ -1,5 +1,6 @@
 // Searches through numbered pieces of work, several at a time, each job a process of its own: not
-// even a crash of the whole program ends the search.
+// even a crash of the whole program ends the search. Nothing of a phone; leaves out what a piece of
+// work is, which sim/explore and sim/inject say.
 #pragma once
 #include <cstdint>
 #include <functional>

@@ -1,4 +1,5 @@
-// Where a search keeps its many small files.
+// Where a search keeps its many small files. Nothing of a phone; leaves out cleaning up after a
+// search that was killed itself.
 #pragma once
 #include <filesystem>
 #include <optional>

@@ -1,5 +1,6 @@
 // AppList inside the Settings app: the list of apps, which it asks SpringBoard for, and its own
-// page on which one of them is chosen.
+// page on which one of them is chosen. Leaves out that page's looks and sections, choosing several
+// apps, predicates, and icons that come later.
 #pragma once
 #include "sim/settings/specifier.hpp"
 

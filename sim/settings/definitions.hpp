@@ -1,4 +1,5 @@
-// The simulated classes of the Settings app.
+// The simulated classes of the Settings app: a function each, for sim/platform/class_list.cpp.
+// Leaves out the classes themselves, which stand in the other files of this folder.
 #pragma once
 #include "sim/core/class_definition.hpp"
 

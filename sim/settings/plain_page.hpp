@@ -1,6 +1,6 @@
 // What a page without code does: its rows come from a property list, its values go through
 // CFPreferences. Stands in for the framework's own readers and writers; pages with code put theirs
-// in their place.
+// in their place. Leaves out kinds of rows but groups, links, switches and AppList's.
 #pragma once
 #include "sim/settings/list_controller.hpp"
 

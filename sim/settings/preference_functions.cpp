@@ -1,4 +1,5 @@
-// The C functions of CFPreferences, which hand on to where domains are kept.
+// The C functions of CFPreferences, which hand on to where domains are kept. Leaves out reading,
+// which only the framework's own pages do here, without these functions.
 #include "sim/foundation/property_list.hpp"
 #include "sim/foundation/string.hpp"
 #include "sim/platform/functions.hpp"

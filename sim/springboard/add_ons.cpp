@@ -1,4 +1,5 @@
-// Other developers' libraries in SpringBoard: AppList and the media widgets.
+// Other developers' libraries in SpringBoard: AppList and the media widgets. Leaves out their
+// looks, and of each widget all but the control that opens the app that plays.
 #include "sim/core/device.hpp"
 #include "sim/foundation/dictionary.hpp"
 #include "sim/foundation/string.hpp"

@@ -1,4 +1,5 @@
-// SpringBoard's objects for apps, and their scenes.
+// SpringBoard's objects for apps, and their scenes. Leaves out badges, states of an app but whether
+// it runs, and all of a scene but whether it is in the background.
 #include "sim/core/device.hpp"
 #include "sim/springboard/definitions.hpp"
 #include "sim/springboard/springboard.hpp"

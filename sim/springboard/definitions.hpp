@@ -1,4 +1,6 @@
-// The simulated classes of SpringBoard's process, and of the add-ons that run in it.
+// The simulated classes of SpringBoard's process, and of the add-ons that run in it: a function
+// each, for sim/platform/class_list.cpp. Leaves out the classes themselves, which stand in the
+// other files of this folder.
 #pragma once
 #include "sim/core/class_definition.hpp"
 

@@ -1,4 +1,6 @@
-// The media controller and the views that show what plays.
+// The media controller and the views that show what plays. Stands in for SpringBoard's side of
+// MediaRemote, of the audio system and of telephony; leaves out the track's texts, positions and
+// covers, and who else could play.
 #pragma once
 #include "sim/foundation/string.hpp"
 

@@ -1,5 +1,6 @@
 // Methods whose declared result nobody knows for certain: callers may look at the word that they
-// leave, so a hook has to hand it on. The platform's own leave one that tells.
+// leave, so a hook has to hand it on. The platform's own leave one that tells. Stands in for
+// whatever a phone's register holds then; leaves out results in floating-point registers.
 #pragma once
 #include "sim/core/bind.hpp"
 

@@ -1,4 +1,6 @@
-// What SpringBoard shows: objects that scenario commands act on.
+// What SpringBoard shows: lock screen, backlight, Control Center, home screen and app switcher, and
+// the objects on them that scenario commands act on. Leaves out geometry, animations, pages and
+// folders.
 #pragma once
 #include "sim/foundation/string.hpp"
 

@@ -1,4 +1,5 @@
-// SpringBoard's application object, its applications and their scenes.
+// SpringBoard's application object, its applications and their scenes. Stands in for what starts
+// and shows apps; leaves out that a launch may be refused or take time.
 #pragma once
 #include "sim/foundation/string.hpp"
 #include "sim/uikit/application.hpp"

@@ -1,4 +1,5 @@
-// UIAlertView: shown alerts stay until a button is pressed.
+// UIAlertView: shown alerts stay until a button is pressed. Leaves out looks, text fields, and
+// styles, which are kept and change nothing.
 #pragma once
 #include "sim/core/process.hpp"
 #include "sim/foundation/string.hpp"

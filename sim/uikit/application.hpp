@@ -1,4 +1,6 @@
-// UIApplication. In SpringBoard's process the shared one is its SpringBoard object.
+// UIApplication, and UIView beside it in application.cpp. In SpringBoard's process the shared one
+// is its SpringBoard object. Leaves out events, states and windows; opening an address opens
+// nothing.
 #pragma once
 #include "sim/core/process.hpp"
 

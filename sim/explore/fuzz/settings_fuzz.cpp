@@ -1,5 +1,6 @@
 // Hostile settings: whatever the settings file holds, SpringBoard, the players and an ordinary app
-// start with it, Play is pressed, and nothing that must always hold is broken.
+// start with it, Play is pressed, and nothing that must always hold is broken. A libFuzzer target;
+// leaves out files larger than the fuzzer makes.
 #include <cstdlib>
 #include <cstring>
 #include <iostream>
