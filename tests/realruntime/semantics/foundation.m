@@ -1,3 +1,4 @@
+// GNUstep's Foundation, asked what the cases ask: each operation of the cases is one message to it.
 #import "foundation.h"
 
 #import <Foundation/Foundation.h>
