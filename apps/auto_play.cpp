@@ -8,6 +8,7 @@ namespace corvalen::apps {
 constinit bool autoPlay = false;
 constinit bool startPlayingRequested = false;
 
+// docs/decisions.md: Apps read the file
 void readAutoPlay() {
   const auto settings = preferences::read();
   autoPlay =
@@ -18,6 +19,7 @@ void startPlaying(CFNotificationCenterRef, void*, CFStringRef, const void*, CFTy
   startPlayingRequested = true;
 }
 
+// docs/decisions.md: An empty slot is told too
 void PollTimer::stop() {
   ticks = 0;
   timer.invalidate();

@@ -11,6 +11,7 @@ inline constexpr int32_t kMostPolls = 100;
 // Whether the user wants players to play by themselves: read once, when the library loads.
 extern constinit bool autoPlay;
 // SpringBoard has told this player to play. Never cleared.
+// docs/decisions.md: The go-ahead stays
 extern constinit bool startPlayingRequested;
 
 // One app's tries: a timer, retained, and its ticks, which rest at 1 after a stop.
@@ -23,6 +24,7 @@ struct PollTimer {
   // Schedules `block`, which calls one of the ticks below.
   void schedule(platform::Object block);
   // One tick: `attempt()` answers whether the app plays now. Stops when it does or after the last.
+  // docs/decisions.md: The 101st firing
   template <class Attempt>
   void tick(Attempt attempt) {
     if (ticks >= kMostPolls || (startPlayingRequested && attempt())) stop();

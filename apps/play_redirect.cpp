@@ -12,6 +12,7 @@ namespace {
 
 // SpringBoard has a now-playing item. Written on the main thread, read on any: a stale read decides
 // one command.
+// docs/decisions.md: A stale flag decides one command
 constinit Relaxed<bool> playsElsewhere{};
 
 }  // namespace
@@ -25,6 +26,7 @@ void nothingPlaying(CFNotificationCenterRef, void*, CFStringRef, const void*, CF
 }
 
 // The file is read at each command: an app has no other way to know of a change.
+// docs/decisions.md: Apps read the file
 Boolean PlayCommand::replacement(uint32_t command, id options) {
   if (command != static_cast<uint32_t>(MediaCommand::play) &&
       command != static_cast<uint32_t>(MediaCommand::toggle))
@@ -39,6 +41,7 @@ Boolean PlayCommand::replacement(uint32_t command, id options) {
   }
   if (playsElsewhere.load() || !enabled) return previous(command, options);
   // Without a player chosen the command is lost: redirection is on, but to nothing.
+  // docs/decisions.md: A command that is lost
   if (player->length() != 0) notify_post(signals::kLaunchPlayer);
   return 0;
 }

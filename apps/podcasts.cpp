@@ -13,6 +13,7 @@ namespace {
 constinit PollTimer poll{};  // of both variants: a process has one
 
 // The shared controller, asked anew at each use. `cls` may be nil: then nothing answers.
+// docs/decisions.md: Asked anew each time
 MTPlayerController shared(NSObject cls) { return MTPlayerController::sharedInstance(cls); }
 
 // The way to the player, which the two generations of the app have differently.
@@ -38,6 +39,7 @@ struct Older {
 
 // Tells the player to play, twice if once is not enough; true if it plays after the first. Asked
 // for again, the player may be gone by now: then nothing is told, but what plays still counts.
+// docs/decisions.md: Podcasts is told twice
 template <class Way>
 bool tryToPlay(NSObject cls) {
   if (!Way::answers(cls)) return false;

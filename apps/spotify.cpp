@@ -14,9 +14,11 @@ namespace {
 constexpr NSTimeInterval kSaveSeconds = 10.0;
 
 constinit PollTimer poll{};
+// docs/decisions.md: State is saved for the life of the app
 constinit NSTimer stateSaveTimer{};  // kept for the life of the process
 
 // Nudges the player; true if it was playing before.
+// docs/decisions.md: Asked anew each time
 bool tryToPlay(SPTNowPlayingPlaybackController controller) {
   if (!controller.respondsTo(selector<"player">())) return false;
   if (!controller.player().respondsTo(selector<"playerState">())) return false;
@@ -29,6 +31,7 @@ bool tryToPlay(SPTNowPlayingPlaybackController controller) {
   const bool playing = state.isPlaying();
   const bool notPaused = !state.isPaused();
   // Paused and resumed also if it plays already: what counts is that the last word was to resume.
+  // docs/decisions.md: Paused, then resumed
   if (player->respondsTo(selector<"setPaused:">())) player->setPaused(true);
   if (player->respondsTo(selector<"setPaused:">())) player->setPaused(false);
   return playing && notPaused;

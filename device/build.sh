@@ -46,12 +46,14 @@ esac
 python3 "$device/stubs/make_stubs.py" "$work/stubs" "${more_imports[@]}"
 for library in "${not_linked[@]}"; do rm "$work/stubs/$library".*; done
 
+# docs/decisions.md: No exceptions, no RTTI
 cplusplus=(-std=c++20 -fno-rtti -fvisibility-inlines-hidden -fno-threadsafe-statics
   -fno-c++-static-destructors -nostdinc++)
 objective_c=(-fblocks -Wno-unused-parameter -Wno-objc-root-class)
 flags=(-fno-exceptions -fvisibility=hidden -fno-stack-protector -nostdlibinc -isystem "$device/shim/config" -isystem "$headers"
   -isystem "$device/shim/c" -I. -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
 
+# docs/decisions.md: One module a slice
 # All sources of a slice become one module: nothing weak is left, and what is unused goes.
 compile() {
   local slice=$1

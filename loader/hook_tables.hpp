@@ -88,6 +88,7 @@ inline constexpr MethodRow kNewerAppSwitcher[] = {
 };
 
 // The groups whose condition is the version: [from, below) or [from, through].
+// docs/decisions.md: A hook's version is asked once
 inline constexpr HookGroup kSpringBoardHooks[] = {
     {"SpringBoard", kSpringBoard, always()},
     {"MPUSystemMediaControlsViewController", kMediaControls, always()},

@@ -33,6 +33,7 @@ struct Hooking {
 };
 
 // A class that is missing is passed on as it is: the hooking framework then installs nothing.
+// docs/decisions.md: Hooks on what is missing
 template <const auto& Groups>
 [[gnu::always_inline]] inline void hook(const Hooking& hooking = {}) {
   unrolled<std::size(Groups)>([&]<size_t Group>() __attribute__((always_inline)) {
@@ -104,6 +105,7 @@ template <const auto& Hooks>
 
 // Asks the main bundle for its identifier, afresh for each comparison. Every app on the phone
 // passes here, so the bundle and the selectors are looked up once for all.
+// docs/decisions.md: The identifier is asked for each comparison
 class ProcessQuestion {
  public:
   [[gnu::always_inline]] bool is(NSString identifier) const {
@@ -136,6 +138,8 @@ class ProcessQuestion {
 
 }  // namespace
 
+// docs/decisions.md: Nothing outside of the versions
+// docs/decisions.md: The alert category is in every process
 void install() {
   void* const pool = objc_autoreleasePoolPush();
   if (versionIsSupported()) {

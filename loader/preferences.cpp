@@ -38,6 +38,7 @@ void loadPreferences() {
   preferencesDictionary = read().leak();
   if (!preferencesDictionary || preferencesDictionary.count() == 0) {
     // An empty dictionary is not released here but left to the pool.
+    // docs/decisions.md: The empty dictionary
     objc_autorelease(preferencesDictionary.raw);
     preferencesDictionary = defaults().leak();
     preferencesDictionary.writeToFile(path(), true);

@@ -1,5 +1,6 @@
 // The user's settings as SpringBoard has them: the whole file, kept in memory. Other processes read
 // the file where they need a value.
+// docs/decisions.md: SpringBoard keeps a copy
 #pragma once
 #include "loader/settings_file.hpp"
 

@@ -12,6 +12,7 @@ NSString path() {
 
 Retained<NSMutableDictionary> read() { return NSMutableDictionary::withContentsOfFile(path()); }
 
+// docs/decisions.md: Settings of a wrong type
 bool asBoolean(Object object) {
   if (!platform::as<NSObject>(object).respondsTo(platform::selector<"boolValue">())) return false;
   return platform::send<"boolValue", bool>(object);

@@ -11,6 +11,7 @@ using platform::NSString;
 using platform::Object;
 
 // ---- The file's keys
+// docs/decisions.md: Names without meaning
 namespace key {
 // Booleans; missing reads NO.
 inline NSString masterSwitch() { return "iea9AQXrEmhSZ4u"_ns; }

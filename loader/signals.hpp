@@ -1,5 +1,6 @@
 // The names by which the processes talk: Darwin notifications, which carry nothing but their name,
 // and the platform's local headphone notification. Fixed: the settings pane knows them too.
+// docs/decisions.md: Names without meaning
 #pragma once
 #include "platform/foundation.hpp"
 

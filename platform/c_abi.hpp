@@ -6,6 +6,7 @@
 // simulated platform does, at link time. Each declaration carries the symbol's assembler name as
 // the phone's linker spells it (with the leading underscore), so that on the host `dlsym` or
 // `system` mean the simulated device's and never the host C library's.
+// docs/decisions.md: The seam is at link time
 #pragma once
 #include "platform/types.hpp"
 

@@ -2,6 +2,7 @@
 // and what it needs, into every process. Each is loaded before anything of it is looked up, as the
 // process may not have it yet. Stands in for a list of linked libraries; leaves out unloading: what
 // is loaded stays.
+// docs/decisions.md: Four linked libraries
 #pragma once
 #include "platform/object.hpp"
 
@@ -18,6 +19,7 @@ inline constexpr const char* kMediaRemote =
     "/System/Library/PrivateFrameworks/MediaRemote.framework/MediaRemote";
 }  // namespace framework
 
+// docs/decisions.md: Frameworks come before their names
 // A class of a framework. Stands on dlopen and objc_getClass; nil where it cannot be loaded.
 template <Literal Name>
 ClassObject classIn(const char* framework) {

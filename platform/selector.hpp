@@ -1,6 +1,7 @@
 // Selectors are literals, registered with the runtime when they are first used and kept. Stands in
 // for the compiler's @selector, which registers all of an image's at its load; leaves out names
 // made at run time.
+// docs/decisions.md: No static initialisers
 #pragma once
 #include "platform/c_abi.hpp"
 #include "platform/literal.hpp"

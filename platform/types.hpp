@@ -21,6 +21,7 @@ inline constexpr bool k64Bit = sizeof(void*) == 8;
 using BOOL = std::conditional_t<platform::k64Bit, bool, signed char>;
 using NSInteger = std::conditional_t<platform::k64Bit, long, int>;
 using NSUInteger = std::conditional_t<platform::k64Bit, unsigned long, unsigned int>;
+// docs/decisions.md: Results of void methods
 using ResultWord = uintptr_t;  // whatever a method that is declared void leaves as its result
 using CFIndex = long;
 using NSTimeInterval = double;  // seconds

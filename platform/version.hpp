@@ -6,6 +6,7 @@
 
 namespace platform {
 
+// docs/decisions.md: Versions are read each time
 inline double version() {
   return *static_cast<const volatile double*>(&kCFCoreFoundationVersionNumber);
 }

@@ -1,4 +1,5 @@
 // The bundle itself: its place, its texts in the user's language, and the pages' common needs.
+// docs/decisions.md: The page has code
 #pragma once
 #include "platform/added_method.hpp"
 #include "platform/preference_pages.hpp"

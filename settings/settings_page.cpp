@@ -58,6 +58,7 @@ constexpr char kPageOfQuestion = 0;  // by its address
 
 // The class itself answers the alert: on some versions the superclass of its objects does, for
 // alerts of its own.
+// docs/decisions.md: The class answers the question
 void askForReset(id self, SEL, id) {
   const NSString title = localized(kReset[0].label);
   const NSString message = localized(text::resetQuestion);
@@ -92,6 +93,7 @@ void viewWillAppear(id self, SEL, BOOL animated) {
 }
 
 // Kept and shown again later, pages were blank on older versions.
+// docs/decisions.md: Pages are not kept
 BOOL canBeShownFromSuspendedState(id, SEL) { return NO; }
 
 id bundle(id, SEL) { return ownBundle().raw; }

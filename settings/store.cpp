@@ -21,6 +21,7 @@ void eachSetting(Each each) {
 // From iOS 8 on, cfprefsd writes the domain's file whenever it likes, from a copy of its own, once
 // anybody has changed the domain through it. So it is told the whole file: what it writes then is
 // what stands there.
+// docs/decisions.md: The whole file is told to cfprefsd
 void tellDaemon(NSMutableDictionary settings) {
   const NSArray keys = settings.allKeys();
   if (!keys) return;
@@ -49,6 +50,7 @@ Outcome change(NSString key, Object value) {
   if (!key) return Outcome::unwritable;
   auto settings = preferences::read();
   if (!settings) {
+    // docs/decisions.md: A file that cannot be read is left alone
     if (NSFileManager::defaultManager().fileExistsAtPath(preferences::path()))
       return Outcome::unreadable;
     settings = NSMutableDictionary::make();

@@ -15,10 +15,12 @@ void cardRemoved(Identifier identifier) {
   resetPendingLaunch();
   const auto replacement = preferences::text(preferences::key::musicReplacement());
   if (replacement->length() == 0) return;
+  // docs/decisions.md: Music is ended by name
   if (replacement->isEqualToString(identifier())) system("killall -9 Music");
 }
 
 // The switcher lets go of the item that it removes, and it may have been the last to hold it.
+// docs/decisions.md: The item outlives its removal
 template <class Hook>
 ResultWord removeItem(id self, SEL name, id item) {
   const auto held = Retained<SBDisplayItem>::retain(view<SBDisplayItem>(item));
@@ -30,6 +32,7 @@ ResultWord removeItem(id self, SEL name, id item) {
 }  // namespace
 
 // Before the card goes, while the index still means it.
+// docs/decisions.md: The index has 32 bits
 ResultWord QuitAppAtIndex::replacement(id self, SEL name, NSUInteger index) {
   cardRemoved([self, index] {
     return view<SBAppSliderController>(self).displayIDAtIndex(static_cast<uint32_t>(index));

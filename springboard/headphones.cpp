@@ -16,6 +16,7 @@ namespace key = preferences::key;
 namespace {
 
 // Looked up at the first notification and kept.
+// docs/decisions.md: The audio class is kept
 constinit ClassObject audioSystemControllerClass{};
 
 bool isJackConnected() {
@@ -31,10 +32,12 @@ bool isInCall() {
 }
 
 void jackChanged() {
+  // docs/decisions.md: The call is asked about either way
   const bool connected = isJackConnected();
   const bool inCall = isInCall();
   if (!connected || inCall) return;
   if (!preferences::boolean(key::headphoneTrigger())) return;
+  // docs/decisions.md: Headphones forget one flag
   pendingUnlockLaunch = false;  // this flag alone
   const bool enabled = preferences::boolean(key::masterSwitch());
   const auto player = preferences::text(key::preferredPlayer());
@@ -48,6 +51,7 @@ void jackChanged() {
 }  // namespace
 
 // Local notifications come on the thread that posts them, which need not be the main one.
+// docs/decisions.md: The headphones' thread
 void headphoneJackChanged(CFNotificationCenterRef, void*, CFStringRef, const void*, CFTypeRef) {
   if (isMainThread())
     jackChanged();

@@ -16,9 +16,11 @@ constexpr NSTimeInterval kTickSeconds = 1.0;
 constexpr int32_t kMostNudges = 40;
 constexpr int32_t kKeepAliveTicks = 25;
 
+// docs/decisions.md: The count rests at one
 void launchWatchTick(SBApplication application, NSString bundleIdentifier) {
   if (launchWatchTicks < kMostNudges && !mediaController.isPlaying()) {
     application.resumeForContentAvailable();
+    // docs/decisions.md: A signal for Pandora
     if (launchWatchTicks == 1 && bundleIdentifier.isEqualToString("com.pandora"_ns))
       notify_post(signals::kPandoraLaunched);
   } else {

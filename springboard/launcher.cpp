@@ -38,6 +38,7 @@ void requestUnlock(bool wakeScreen) {
 }
 
 // iOS 7 needs the suspended player nudged from here; later ones are started by their own hooks.
+// docs/decisions.md: iOS 7 is nudged
 void launchHidden(SBApplication application, NSString bundleIdentifier) {
   SpringBoard::shared().launchApplication(bundleIdentifier, true);
   if (version() < kIOS8) watchLaunch(application, bundleIdentifier);
@@ -59,6 +60,7 @@ void launchPlayer(LaunchOptions options, NSString bundleIdentifier) {
   const auto application =
       Retained<SBApplication>::retain(applicationForIdentifier(bundleIdentifier));
   if (lockScreenManager.isUILocked()) {
+    // docs/decisions.md: Locked and running is never hidden
     if (!options.startHiddenWhenLocked)
       requestUnlock(/*wakeScreen=*/true);
     else if (application->isRunning())  // never started hidden while locked
@@ -68,6 +70,7 @@ void launchPlayer(LaunchOptions options, NSString bundleIdentifier) {
     return;
   }
   // Unlike above, a running player is brought to the front even if a hidden start was asked for.
+  // docs/decisions.md: Unlocked and running comes to the front
   if (!options.startHiddenWhenUnlocked || application->isRunning())
     SpringBoard::shared().launchApplication(bundleIdentifier, false);
   else
@@ -80,8 +83,10 @@ PlayRedirect evaluatePlayRedirect() {
   const auto player = preferences::text(key::preferredPlayer());
   const bool listed = isAppListed(player.get());
   // A paused track counts as something that plays.
+  // docs/decisions.md: A paused track counts
   if (mediaController.hasTrack()) return {Verdict::passThrough, {}};
   if (enabled && listed) return {Verdict::redirect, player};
+  // docs/decisions.md: A command that is lost
   if (enabled && player->length() == 0) return {Verdict::swallow, {}};
   return {Verdict::passThrough, {}};
 }
@@ -94,6 +99,7 @@ void completePendingLaunch() {
     app = preferences::text(key::preferredPlayer());
     if (!preferences::boolean(key::masterSwitch())) return;
   } else {
+    // docs/decisions.md: Who asks the master switch
     pendingLaunchUsesPreferredPlayer = true;
     app = preferences::text(key::musicReplacement());
   }
@@ -113,6 +119,7 @@ SBApplication applicationForIdentifier(NSString bundleIdentifier) {
     return applicationController.applicationWithBundleIdentifier(bundleIdentifier);
   // iOS 8 lost this message. AppList gives it back, some versions of it only when it is first sent,
   // so that respondsToSelector: says NO. Without AppList it would end SpringBoard.
+  // docs/decisions.md: The look-up that iOS 8 lost
   const bool answered = as<NSObject>(applicationController)
                             .respondsTo(selector<"applicationWithDisplayIdentifier:">());
   if (answered || ALApplicationList::cls())
@@ -124,6 +131,7 @@ void setSceneBackgrounded(SBApplication application, bool backgrounded) {
   const Object current = application.mainScene().mutableSettings();
   const auto settings = Retained<FBSMutableSceneSettings>::adopt(
       send<"mutableCopy", FBSMutableSceneSettings>(current));
+  // docs/decisions.md: Answers that are missing
   if (!settings.get()) return;  // a scene takes no other thing for settings
   settings->setBackgrounded(backgrounded);
   application.mainScene().applyMutableSettings(settings.get(), Object{}, Object{});

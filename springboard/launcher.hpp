@@ -33,6 +33,7 @@ LaunchOptions launchOptionsFromSettings();
 // Starts the app: in the foreground, suspended, or after the passcode unlock, by the options and by
 // what is locked and running. The caller has made sure that the app is listed, and holds the
 // identifier: a launch may run the run loop, in which anything can happen.
+// docs/decisions.md: Held over calls that run the run loop
 void launchPlayer(LaunchOptions options, platform::NSString bundleIdentifier);
 
 // Carries out a launch that waited for the unlock. Runs at every unlock.

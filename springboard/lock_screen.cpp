@@ -6,6 +6,7 @@ namespace corvalen::springboard {
 
 // Only this combination is the user's cancelling; the platform hides the passcode entry in other
 // ways while an unlock goes on.
+// docs/decisions.md: Only a hidden passcode entry is a refusal
 ResultWord SetPasscodeLockVisible::replacement(id self, SEL name, BOOL visible, BOOL animated,
                                                id completion) {
   if (!visible && animated && !completion) resetPendingLaunch();

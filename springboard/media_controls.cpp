@@ -14,6 +14,7 @@ namespace key = preferences::key;
 
 namespace {
 
+// docs/decisions.md: Play is another number from 8.4 on
 NSInteger playPauseControlType() {
   const bool renumbered = kIOS8_4 <= version() && version() <= kLastSupported;
   return renumbered ? 3 : 4;
@@ -34,6 +35,7 @@ void TransportControlTap::replacement(id self, SEL name, id view, NSInteger cont
     launchPlayer(launchOptionsFromSettings(), decision.preferredPlayer.get());
 }
 
+// docs/decisions.md: Who asks the master switch
 void TitleTap::replacement(id self, SEL name, id titlesView) {
   resetPendingLaunch();
   const auto replacement = musicReplacementForNowPlaying();
@@ -50,17 +52,20 @@ void IconLaunch::replacement(id self, SEL name, id icon) {
       app->isEqualToString(player.get())) {
     // Marked as backgrounded, the scene comes to the front by a normal transition. The lookup is by
     // bundle identifier on every version, unlike the one above.
+    // docs/decisions.md: Two look-ups of one app
     stopLaunchWatch();
     const auto application = Retained<SBApplication>::retain(
         applicationController.applicationWithBundleIdentifier(app.get()));
     setSceneBackgrounded(application.get(), true);
   }
+  // docs/decisions.md: Only two icons write the flag
   if (startsPlayingByItself(app.get()) && !running)
     skipNextPlaySignal =
         preferences::boolean(key::autoPlay()) && preferences::boolean(key::noAutoPlayFromIcon());
   previous(self, name, icon);
 }
 
+// docs/decisions.md: Who asks whether an app is listed
 BOOL ApplicationLaunch::replacement(id self, SEL name, id identifier, BOOL suspended) {
   if (version() >= kIOS8 && !suspended && preferences::boolean(key::masterSwitch())) {
     const NSString app = view<NSString>(identifier);

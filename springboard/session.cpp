@@ -15,6 +15,7 @@ constinit SBLockScreenManager lockScreenManager{};
 constinit SBControlCenterController controlCenterController{};
 constinit NSMutableArray titleViewRegistry{};
 constinit bool pendingUnlockLaunch = false;
+// docs/decisions.md: The flag for the preferred player starts as NO
 constinit bool pendingLaunchUsesPreferredPlayer = false;
 constinit bool skipNextPlaySignal = false;
 constinit NSTimer launchWatchTimer{};
@@ -39,6 +40,7 @@ void stopLaunchWatch() {
 }
 
 id SpringBoardInit::replacement(id self, SEL name) {
+  // docs/decisions.md: An array that holds nothing
   titleViewRegistry = view<NSMutableArray>(CFArrayCreateMutable(nullptr, 0, nullptr));
   return previous(self, name);
 }
@@ -53,6 +55,7 @@ void ApplicationDidFinishLaunching::replacement(id self, SEL name, id applicatio
   controlCenterController = SBControlCenterController::sharedInstance();
   // The accessory daemons come back with the library loaded, and their play commands pass through
   // it. Needed once after installation; the marker says that this was.
+  // docs/decisions.md: Accessory daemons are ended once
   if (!preferences::isPresent(preferences::key::greeted()))
     system("killall -9 BTAvrcp; killall -9 BTLEServer; killall -9 iapd;");
 }
@@ -62,6 +65,7 @@ void SetNowPlayingInfo::replacement(id self, SEL name, id info) {
   notify_post(info ? signals::kNowPlaying : signals::kNothingPlaying);
 }
 
+// docs/decisions.md: No suggested app
 id AppSuggestionManagerInit::replacement(id, SEL) { return nullptr; }
 
 }  // namespace corvalen::springboard

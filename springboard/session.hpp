@@ -29,10 +29,12 @@ extern constinit bool skipNextPlaySignal;
 
 // The one timer that watches a launched player, retained, and its ticks. The count rests at 1 after
 // a watch ended by itself: a later watch that finds the slot empty may count on from there.
+// docs/decisions.md: The count rests at one
 extern constinit platform::NSTimer launchWatchTimer;
 extern constinit int32_t launchWatchTicks;
 
 // Forgets a request that waits: the three flags return to idle.
+// docs/decisions.md: When a waiting launch is forgotten
 void resetPendingLaunch();
 
 // Ends a running watch, if there is one, and its count.

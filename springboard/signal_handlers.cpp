@@ -18,6 +18,7 @@ void playerStarted(CFNotificationCenterRef, void*, CFStringRef, const void*, CFT
 }
 
 // The master switch is not asked: the app that posts has read it from the file.
+// docs/decisions.md: Who asks the master switch
 void launchRequested(CFNotificationCenterRef, void*, CFStringRef, const void*, CFTypeRef) {
   resetPendingLaunch();
   const auto player = preferences::text(preferences::key::preferredPlayer());

@@ -15,6 +15,7 @@ void refreshTitleViews() {
   if (version() < kIOS7_1 || version() > kLastSupported) return;
   if (!preferences::boolean(key::masterSwitch())) return;
   // The empty name is only a reason to ask: the hook below puts the right one in.
+  // docs/decisions.md: The empty name
   enumerate(titleViewRegistry, [](Object element) {
     if (element) as<MPUMediaControlsTitlesView>(element).updateNowPlayingAppDisplayName(""_ns);
   });
@@ -22,6 +23,7 @@ void refreshTitleViews() {
 
 // Registered as it is before the previous initialiser, which may answer another object: that one's
 // dealloc is not ours to expect, this one's is.
+// docs/decisions.md: Registered before it is initialised
 id TitlesViewInit::replacement(id self, SEL name, NSInteger style) {
   titleViewRegistry.addObject(view(self));
   return previous(self, name, style);

@@ -7,6 +7,7 @@ namespace corvalen::springboard {
 
 // Has every live title view show the preferred player's name, if redirection is on. When it has
 // just been turned off, views keep what they show until the platform next updates them.
+// docs/decisions.md: Turned off, the name stays
 void refreshTitleViews();
 
 // -[MPUMediaControlsTitlesView initWithMediaControlsStyle:]: registers the view.

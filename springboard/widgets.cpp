@@ -59,6 +59,7 @@ ResultWord MiniPlayerOpenApp::replacement(id self, SEL name) {
 
 // A card names its app; only a call without one is the now-playing control. The app asked for is
 // the argument here, not what the media controller holds.
+// docs/decisions.md: Auxo's argument counts
 ResultWord AuxoActivateApplication::replacement(id self, SEL name, id identifier, id cell) {
   resetPendingLaunch();
   const bool asksForMusic =

@@ -22,6 +22,7 @@ Object previousDelegate(id alert) {
 
 // -_checkAlertViewDelegate: makes the alert its own delegate, once, and remembers the one before
 // without holding it.
+// docs/decisions.md: The previous delegate is not held
 void checkDelegate(id self, SEL) {
   const auto alert = view<UIAlertView>(self);
   const Object delegate = alert.delegate();
@@ -115,6 +116,7 @@ id showWithStyle(id self, SEL, id title, id message, NSInteger style, id cancelT
       .raw;
 }
 
+// docs/decisions.md: Own functions are called directly
 // +showWithTitleCVP:message:cancelButtonTitle:otherButtonTitles:responseBlock:
 id showWithDefaultStyle(id self, SEL name, id title, id message, id cancelTitle, id otherTitles,
                         BlockPointer response) {
@@ -125,6 +127,7 @@ id showWithDefaultStyle(id self, SEL name, id title, id message, id cancelTitle,
 // ---- The category. A method that the class has already, by an app or another extension, stays as
 // it is: so nothing above goes by a message to what is added here.
 
+// docs/decisions.md: Categories are added at run time
 constexpr AddedMethod kClassMethods[] = {
     addedMethod<&showWithStyle,
                 "showWithTitleCVP:message:style:cancelButtonTitle:otherButtonTitles:"
@@ -172,6 +175,7 @@ constexpr const char* kProperties[] = {
 
 // The class of our own alerts. Where somebody else's category has the message by which an alert
 // reports its buttons, a class below UIAlertView on which it is ours, made at its first use.
+// docs/decisions.md: A class below UIAlertView
 ClassObject ownAlertClass() {
   const ClassObject cls = UIAlertView::cls();
   const IMP ours = reinterpret_cast<IMP>(&deliverButton<"responseBlock">);

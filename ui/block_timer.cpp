@@ -26,6 +26,7 @@ id timerMethod(id, SEL, double seconds, BlockPointer block, BOOL repeats) {
   return timer(seconds, view(reinterpret_cast<id>(block)), repeats != 0).raw;
 }
 
+// docs/decisions.md: Categories are added at run time
 constexpr AddedMethod kClassMethods[] = {
     addedMethod<&executeSimpleBlock, "rvExecuteSimpleBlock:">(),
     addedMethod<&scheduledTimerMethod, "scheduledTimerWithTimeInterval:block:repeats:">(),

@@ -26,6 +26,7 @@ void associate(UIAlertView alert, const void* key, Object value) {
 
 // Notes in the settings file that the welcome was accepted. Through the file: only the reload
 // brings it into memory. Without a readable file nothing is written.
+// docs/decisions.md: Accepting goes through the file
 void markWelcomeAnswered() {
   {
     const auto settings = preferences::read();
@@ -76,6 +77,7 @@ void followFrom(NSArray accounts, const Retained<Object>& handler) {
 
 // -dropMeAFollow: asks for access to the device's Twitter accounts. A system that knows no such
 // accounts has nothing to ask for, and would not take the question.
+// docs/decisions.md: Answers that are missing
 void dropMeAFollow(id self, SEL) {
   const auto store = ACAccountStore::make();
   const ACAccountType type = store->accountTypeWithIdentifier(twitterAccountType());
@@ -121,6 +123,7 @@ void openTwitter(id, SEL) {
 }
 
 // An alert that the system takes away may name a button that is none: nobody follows then.
+// docs/decisions.md: A button that is none
 void accountsChosen(id self, id alert, NSInteger button) {
   markWelcomeAnswered();
   const auto accounts =
@@ -160,6 +163,7 @@ Retained<Object> makeFollowHandler() {
   return Retained<Object>::adopt(send<"new", Object>(classNamed<kHandlerClass>()));
 }
 
+// docs/decisions.md: The alert keeps its delegate alive
 void holdHandler(UIAlertView alert, Object handler) {
   associate(alert, selector<"show">(), handler);
 }

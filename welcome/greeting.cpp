@@ -21,6 +21,7 @@ bool networkIsReachable() {
   return reachabilityFlags(SocketAddress{}, &flags) && isReachable(flags);
 }
 
+// docs/decisions.md: An empty title
 void showUpdated() {
   auto response = block<void(id, NSInteger)>([](id alert, NSInteger) {
     view<UIAlertView>(alert).cancelButtonIndex();  // whatever was pressed, there is nothing to do
@@ -48,6 +49,7 @@ void showWelcome() {
 void openSettingsPane() {
   const NSString pane =
       "Corvalen Pro"_ns.stringByAddingPercentEscapesUsingEncoding(kUtf8StringEncoding);
+  // docs/decisions.md: Answers that are missing
   if (!pane) return;
   UIApplication::sharedApplication().openURL(
       NSURL::URLWithString("prefs:root="_ns.stringByAppendingString(pane)));
@@ -69,8 +71,10 @@ void showSettingsHint() {
 
 // The marker is written before anything is shown: a crash or a dismissed alert brings no second
 // greeting.
+// docs/decisions.md: The marker comes before the alert
 void greet() {
   if (preferences::isPresent(key::greeted())) return;
+  // docs/decisions.md: The greeting's marker is written with everything
   preferences::preferencesDictionary.setValueForKey(NSNumber::numberWithBool(true), key::greeted());
   preferences::preferencesDictionary.writeToFile(preferences::path(), true);
   if (preferences::isPresent(key::welcomeAnswered()))

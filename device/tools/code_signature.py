@@ -1,4 +1,5 @@
 """The ad-hoc code signature that kernels of iOS 7 to 9 read: SHA-1, pages of 4 KiB."""
+# docs/decisions.md: A signature of SHA-1
 import hashlib
 import struct
 

@@ -4,6 +4,7 @@
 To be linked in front of the same objects again, by a linker that aligns segments to less. The data's
 filler comes first: behind, the linker would put its tables after it, and so on a page of their own.
 """
+# docs/decisions.md: Segments of 16 KiB
 import pathlib
 import sys
 

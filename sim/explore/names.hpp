@@ -1,6 +1,7 @@
 // The names that drawn scenarios use: settings, signals, apps, versions, add-ons. Written down a
 // second time here, not taken from the library: what it calls by a wrong name is to be found out.
 // Leaves out apps that differ in nothing from these.
+// docs/decisions.md: Keys are written twice
 #pragma once
 #include <string>
 #include <vector>
