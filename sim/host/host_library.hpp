@@ -1,5 +1,5 @@
-// The library's host build: a shared object, loaded from a fresh copy a process, so that each has
-// its own variables and its constructor really runs. Stands in for dyld; leaves out walls between
+// The library's host build: a shared object, of which each process has a copy, so that variables
+// are its own and the constructor really runs. Stands in for dyld; leaves out walls between
 // processes: all share the program's memory, and only what the world itself reads and writes for
 // them is checked.
 #pragma once

@@ -5,7 +5,8 @@
 // with stays loaded. The next process gets it with its variables as they were when it had just been
 // loaded, and its constructor runs again: to the code, that is the same as a fresh copy. Where the
 // sanitizers watch (they put guards between the variables), and where CORVALEN_FRESH_COPIES is set,
-// each process gets a copy that was loaded for it.
+// each process gets a copy that was loaded for it. Stands in for dyld's mapping of an image into a
+// process; leaves out the images that it would load along, which the program has already.
 #pragma once
 #include <cstdint>
 #include <filesystem>
