@@ -108,6 +108,19 @@ int run(const CommandLine& line) {
   return worst;
 }
 
+std::string readOrThrow(const std::string& file) {
+  if (auto text = readScenario(file)) return *text;
+  throw std::runtime_error(file + ": cannot be read");
+}
+
+int page(const CommandLine& line) {
+  const std::string& file = line.files.front();
+  const std::string text = readOrThrow(file);
+  const auto loader = makeLoader(line);
+  return static_cast<int>(
+      printPage(shownName(file), text, *loader, line.options(), std::cout, std::cerr));
+}
+
 // How much is tried.
 void addLimits(CLI::App& command, CommandLine& line) {
   command
@@ -123,11 +136,6 @@ void addExploreOptions(CLI::App& command, CommandLine& line) {
   addLimits(command, line);
   command.add_option("--image", line.image, "compare this device binary's slices too");
   command.add_option("--real", line.real, "compare this program of the real runtime too");
-}
-
-std::string readOrThrow(const std::string& file) {
-  if (auto text = readScenario(file)) return *text;
-  throw std::runtime_error(file + ": cannot be read");
 }
 
 int injectFaults(const CommandLine& line) {
@@ -180,6 +188,11 @@ int main(int count, char** words) {
   addOptions(*runCommand, line);
   runCommand->add_flag("--fail-fast", line.failFast, "stop after the first scenario that fails");
   runCommand->add_option("SCENARIO", line.files, "files, or - for standard input")->required();
+  CLI::App* pageCommand =
+      app.add_subcommand("page", "play a scenario and print the settings page that it ends with");
+  pageCommand->add_option("SCENARIO", line.files, "a file, or - for standard input")
+      ->required()
+      ->expected(1);
   CLI::App* shellCommand = app.add_subcommand("shell", "type the same commands one at a time");
   addOptions(*shellCommand, line);
   CLI::App* benchCommand = app.add_subcommand("bench", "count what a device binary costs");
@@ -202,6 +215,7 @@ int main(int count, char** words) {
   }
   try {
     if (*runCommand) return run(line);
+    if (*pageCommand) return page(line);
     // With a time limit alone the count is no limit.
     if (*exploreCommand && line.search.minutes > 0 && exploreCommand->count("--count") == 0)
       line.search.count = 1000000000;

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <nlohmann/json.hpp>
 #include <string>
 
 namespace {
@@ -68,6 +69,30 @@ TEST(CommandLine, WhatCannotBeDoneStopsTheScenarioAfterItsEcho) {
   EXPECT_NE(result.output.find("> locked yes\n> tap-transport 3\n"), std::string::npos);
   EXPECT_NE(result.output.find("standard input:2: SpringBoard is not running"), std::string::npos);
   EXPECT_EQ(result.output.find("> locked no"), std::string::npos);
+}
+
+TEST(CommandLine, PrintsTheSettingsPageThatAScenarioEndsWith) {
+  const Finished result = run("page -", "boot\nsettings open\nsettings set \"Enabled\" yes\n");
+  EXPECT_EQ(result.status, 0) << result.output;
+  const auto page = nlohmann::json::parse(result.output);
+  EXPECT_EQ(page["title"], "Corvalen Pro");
+  EXPECT_EQ(page["button"], "Help");
+  const auto& rows = page["groups"][0]["rows"];
+  const nlohmann::json enabled = {{"kind", "switch"},
+                                  {"label", "Enabled"},
+                                  {"value", true},
+                                  {"enabled", true},
+                                  {"checked", false}};
+  EXPECT_EQ(rows[0], enabled);
+  EXPECT_EQ(rows[1]["kind"], "chooser");
+  EXPECT_EQ(rows[1]["value"], "None");
+  EXPECT_EQ(page["groups"].back()["rows"][0]["kind"], "button");
+}
+
+TEST(CommandLine, ThereIsNoPageToPrintWhereNoneIsOpen) {
+  const Finished result = run("page -", "boot\n");
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.output, "standard input: the Settings app is not open\n");
 }
 
 TEST(CommandLine, ExploringSaysWhatItTriedAndThatNothingWasFound) {

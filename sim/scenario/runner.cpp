@@ -1,6 +1,9 @@
 #include "sim/scenario/runner.hpp"
 
+#include <sstream>
+
 #include "sim/platform/device_actions.hpp"
+#include "sim/scenario/shown_page.hpp"
 
 namespace sim::scenario {
 
@@ -116,6 +119,25 @@ Status runScenario(const std::string& file, const std::string& text, LibraryLoad
     errors << error.what() << '\n';
     return Status::Wrong;
   }
+}
+
+Status printPage(const std::string& file, const std::string& text, LibraryLoader& loader,
+                 const RunOptions& options, std::ostream& out, std::ostream& errors) {
+  try {
+    const Script script = parseScript(file, text);
+    std::ostringstream trace;
+    Output output(trace, options.format);
+    Session session(loader, output, options.allCalls);
+    session.device().state.settingsEntry = options.settingsPage;
+    const Status status = play(script, session, errors);
+    out << asJson(shownSettings(session.device())) << '\n';
+    return status;
+  } catch (const ScenarioError& error) {
+    errors << error.what() << '\n';
+  } catch (const ActionError& error) {
+    errors << file << ": " << error.what() << '\n';
+  }
+  return Status::Wrong;
 }
 
 }  // namespace sim::scenario

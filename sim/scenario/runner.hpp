@@ -63,4 +63,9 @@ struct RunOptions {
 Status runScenario(const std::string& file, const std::string& text, LibraryLoader& loader,
                    const RunOptions& options, std::ostream& out, std::ostream& errors);
 
+// The same, but in place of the trace it prints the page that the Settings app shows at the end, as
+// JSON.
+Status printPage(const std::string& file, const std::string& text, LibraryLoader& loader,
+                 const RunOptions& options, std::ostream& out, std::ostream& errors);
+
 }  // namespace sim::scenario

@@ -198,6 +198,7 @@ ShownPage shownSettings(Device& device) {
   ShownPage shown;
   touch(device, [&](Process& settings) {
     PSListController& page = uppermost(settings);
+    if (page.specifier) shown.title = textOf(page.specifier->name.get());
     if (const auto& button = page.navigationItem()->right)
       shown.button = textOf(button->title.get());
     for (const Shown& row : page.draw()) {

@@ -33,6 +33,7 @@ struct ShownGroup {
   std::vector<ShownRow> rows;
 };
 struct ShownPage {
+  std::string title;
   std::string button;  // at the top right
   std::vector<ShownGroup> groups;
 };
