@@ -21,6 +21,13 @@ std::vector<std::string> corpus() {
   return files;
 }
 
+// Whatever the file was, after a reset the page can set everything.
+bool isSavedAfterReset(const std::string& trace) {
+  const auto chosen = trace.find(R"(> settings choose "Preferred Player" com.spotify.client)");
+  const auto saved = trace.find(R"(com.apple.Preferences notify_post("bfaK8ayWXeXMQum"))", chosen);
+  return chosen != std::string::npos && saved < trace.find("> settings close", chosen);
+}
+
 class HostileSettings : public ::testing::Test {
  protected:
   void play(const std::string& settings) {
@@ -28,6 +35,7 @@ class HostileSettings : public ::testing::Test {
     const auto playback = explore::play(*tested_, lines, explore::OutOfPlace::LeftOut);
     EXPECT_FALSE(playback.violation) << playback.violation->what << "\n" << playback.trace;
     EXPECT_EQ(playback.line, lines.size());
+    EXPECT_TRUE(isSavedAfterReset(playback.trace)) << playback.trace;
     EXPECT_EQ(explore::play(host_, lines, explore::OutOfPlace::LeftOut).trace, playback.trace);
   }
 

@@ -8,11 +8,12 @@ namespace sim::explore {
 using search::Random;
 
 Lines scenarioOn(const std::string& settings) {
+  const std::string file = "prefs-file " + asArgument(settings);
   return {
       R"(app com.spotify.client "Spotify")",
       R"(app com.apple.podcasts "Podcasts")",
       R"(app com.example.notes "Notes")",
-      "prefs-file " + asArgument(settings),
+      file,
       "boot",
       "title-view new view",
       "start com.spotify.client",
@@ -34,6 +35,27 @@ Lines scenarioOn(const std::string& settings) {
       "unlock",
       "boot",
       "unlock",
+      // By now SpringBoard may have mended it: the page gets it as it was, as it opens and again
+      // behind its back.
+      file,
+      "settings open",
+      R"(settings set "Enabled" yes)",
+      "settings help",
+      R"(settings choose "Preferred Player" com.example.notes)",
+      "advance 6",
+      file,
+      R"(settings choose "Music Replacement" none)",
+      "prefs-readonly yes",
+      R"(settings set "Auto-Play" yes)",
+      "settings reset",
+      "prefs-readonly no",
+      "settings reset",
+      R"(settings set "Enabled" yes)",
+      R"(settings set "Auto-Play" yes)",
+      R"(settings set "Not From the Home Screen" yes)",
+      R"(settings choose "Preferred Player" com.spotify.client)",
+      "settings close",
+      "tap-transport 3",
   };
 }
 

@@ -9,7 +9,8 @@
 namespace sim::explore {
 
 // SpringBoard, the players and an ordinary app start with a settings file of these bytes, Play is
-// pressed everywhere, the greeting is answered.
+// pressed everywhere, the greeting is answered. Then the settings page opens over it: everything
+// there is touched, with the file put back in between.
 Lines scenarioOn(const std::string& settings);
 
 // A property list with some of its keys given values of other types, nested, huge or none. What is
