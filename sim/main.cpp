@@ -43,7 +43,8 @@ std::filesystem::path programFolder() {
   return std::filesystem::read_symlink("/proc/self/exe").parent_path();
 }
 
-// The library's host build lies beside the program, unless the environment names another one.
+// The library's host build lies beside the program, unless the environment names another one. The
+// settings bundle lies beside the library.
 std::filesystem::path hostLibrary() {
   if (const char* named = std::getenv("CORVALEN_LIBRARY")) return named;
   return programFolder() / "proCorvalen.so";
@@ -52,7 +53,7 @@ std::filesystem::path hostLibrary() {
 std::unique_ptr<LibraryLoader> makeHostLoader() {
   const auto file = hostLibrary();
   if (!std::filesystem::exists(file)) throw std::runtime_error("cannot find " + file.string());
-  return std::make_unique<HostLibraryLoader>(file, programFolder() / LibraryLoader::kBundleName);
+  return std::make_unique<HostLibraryLoader>(file);
 }
 
 // The host build, or the device binary that was asked for.

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """mutants.py: tries whether the tests would notice a mistake in the library.
 
-Every entry of tests/mutants/*.toml changes the library in one place. Each change is compiled and
-linked into a library of its own, with which all scenarios are played and, if it lives, all tests
+Every entry of tests/mutants/*.toml changes the library or the settings page in one place. Each
+change is compiled and linked into a library and a bundle of its own, with which all scenarios are played and, if it lives, all tests
 are run, the longest last, until one fails. What survives and is not argued about is a gap in the
 tests. Exit status: 0 if there is none, 1 if there is, 2 if the data or the build is wrong.
 """
@@ -37,7 +37,11 @@ STAGES = [
     ("long tests", LONG, 15),
 ]
 MEMORY = 8 << 30
-SETTINGS_PAGE = ("CorvalenPro.bundle", "CorvalenPro.plist")  # are looked for beside the library
+# What a build makes of the sources: for each CMake target the file that is linked. The settings page
+# is looked for beside the library.
+LIBRARY, BUNDLE = "proCorvalen.so", "CorvalenPro.bundle"
+IMAGES = {"proCorvalen": LIBRARY, "CorvalenPro": f"{BUNDLE}/CorvalenPro"}
+ENTRY = "CorvalenPro.plist"
 
 
 class WrongData(Exception):
@@ -151,24 +155,28 @@ class Build:
             commands = json.loads((folder / "compile_commands.json").read_text())
         except OSError:
             raise WrongData(f"{folder} is not built") from None
-        self.units = {}
+        self.units = {image: {} for image in IMAGES}  # by source
         for command in commands:
-            if "proCorvalen_EXPORTS" in command["command"]:
-                source = os.path.relpath(command["file"], ROOT)
-                self.units[source] = (command["directory"], shlex.split(command["command"]))
-        for needed in (self.simulator, self.tests, *map(self.object_of, self.units)):
+            for image, units in self.units.items():
+                if f"-D{image}_EXPORTS " in command["command"]:
+                    source = os.path.relpath(command["file"], ROOT)
+                    units[source] = (command["directory"], shlex.split(command["command"]))
+        objects = [self.object_of(unit) for units in self.units.values() for unit in units.values()]
+        for needed in (self.simulator, self.tests, self.folder / ENTRY, *objects):
             if not needed.exists():
                 raise WrongData(f"{needed} is not built")
         self.launcher = shlex.split(os.environ.get("CMAKE_CXX_COMPILER_LAUNCHER", ""))
         self.scenarios = sorted(str(file.relative_to(ROOT))
                                 for file in (ROOT / "scenarios").rglob("*.txt"))
 
-    def object_of(self, source):
-        directory, words = self.units[source]
+    @staticmethod
+    def object_of(unit):
+        directory, words = unit
         return pathlib.Path(directory) / words[words.index("-o") + 1]
 
-    def affected(self, changed):
-        """The library's sources that are that file or include it, however indirectly."""
+    @staticmethod
+    def affected(units, changed):
+        """Those of an image's sources that are that file or include it, however indirectly."""
         known = {}
 
         def includes(file):
@@ -180,37 +188,47 @@ class Build:
                 known[file] = any(includes(name) for name in inner)
             return known[file]
 
-        return [source for source in self.units if includes(source)]
+        return [source for source in units if includes(source)]
 
     def compile(self, mutant, folder):
-        """Builds the mutant's library in `folder`: there lies the changed file, and is found before
-        the original one."""
+        """Builds the mutant's library and bundle in `folder`: there lies the changed file, and is
+        found before the original one."""
         overlay = folder / "source"
         target = overlay / mutant.file
         target.parent.mkdir(parents=True)
         target.write_text(mutant.apply())
-        objects = {source: self.object_of(source) for source in self.units}
-        compiler = None
-        affected = self.affected(mutant.file)
+        (folder / ENTRY).symlink_to(self.folder / ENTRY)
+        (folder / BUNDLE).mkdir()
+        for part in (self.folder / BUNDLE).iterdir():
+            if part != self.folder / IMAGES["CorvalenPro"]:
+                (folder / BUNDLE / part.name).symlink_to(part)
+        built = [self.compile_image(mutant, folder, image, overlay) for image in IMAGES]
+        if not any(built):
+            raise mutant.wrong(f"{mutant.file} is no part of the library, nor of the settings page")
+        return folder / LIBRARY
+
+    def compile_image(self, mutant, folder, image, overlay):
+        """Builds one of them, or takes the unchanged one. Whether it was built."""
+        units = self.units[image]
+        affected = self.affected(units, mutant.file)
         if not affected:
-            raise mutant.wrong(f"{mutant.file} is no part of the library")
+            (folder / IMAGES[image]).symlink_to(self.folder / IMAGES[image])
+            return False
+        objects = {source: self.object_of(unit) for source, unit in units.items()}
         for number, source in enumerate(affected):
-            directory, words = self.units[source]
-            objects[source] = folder / f"{number}.o"
+            directory, words = units[source]
+            objects[source] = folder / f"{image}.{number}.o"
             words = list(words)
             words[words.index("-o") + 1] = str(objects[source])
             if source == mutant.file:
-                words[-1] = str(target)
+                words[-1] = str(overlay / source)
             # No optimisation and no warnings: what is no longer used may stay.
             words[1:1] = ["-I", str(overlay)]
             self.must_succeed(mutant, self.launcher + words + ["-O0", "-g0", "-w"], directory)
-            compiler = words[0]
-        library = folder / "proCorvalen.so"
-        for part in SETTINGS_PAGE:
-            (folder / part).symlink_to(self.folder / part)
-        self.must_succeed(mutant, [compiler, "-shared", "-o", str(library),
+        compiler = units[affected[0]][1][0]
+        self.must_succeed(mutant, [compiler, "-shared", "-o", str(folder / IMAGES[image]),
                                    *map(str, objects.values())], folder)
-        return library
+        return True
 
     @staticmethod
     def must_succeed(mutant, command, directory):
@@ -303,7 +321,7 @@ def try_all(options):
     try:
         if not build.failed_scenario(work / "no library", work):
             raise WrongData(f"{build.simulator} does not play with the library it is given")
-        killer = build.killer(build.folder / "proCorvalen.so", work, STAGES[:1])
+        killer = build.killer(build.folder / LIBRARY, work, STAGES[:1])
         if killer:
             raise WrongData(f"the unchanged library fails {killer}")
         with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:

@@ -307,10 +307,9 @@ class HostLibrary final : public Library {
 
 }  // namespace
 
-HostLibraryLoader::HostLibraryLoader(const std::filesystem::path& file,
-                                     const std::filesystem::path& bundleFolder)
+HostLibraryLoader::HostLibraryLoader(const std::filesystem::path& file)
     : copies_(std::make_shared<LoadedCopies>(file)) {
-  bundle = bundleFolder.empty() ? file.parent_path() / kBundleName : bundleFolder;
+  bundle = file.parent_path() / kBundleName;
   bundleCopies_ = std::make_shared<LoadedCopies>(bundleExecutable());
 }
 

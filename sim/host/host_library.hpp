@@ -14,9 +14,8 @@ class LoadedCopies;
 class HostLibraryLoader final : public LibraryLoader {
  public:
   // `file` is the shared object. Each process loads a copy of its own.
-  // The settings bundle lies beside it, unless another one is named.
-  explicit HostLibraryLoader(const std::filesystem::path& file,
-                             const std::filesystem::path& bundleFolder = {});
+  // The settings bundle lies beside it.
+  explicit HostLibraryLoader(const std::filesystem::path& file);
   std::unique_ptr<Library> load(Process& process) override;
   void setVersion(double version) override;
 
