@@ -48,8 +48,8 @@ void PSListController::reloadSpecifiers() {
   rows();
 }
 
-void PSListController::reloadSpecifier(PSSpecifier* specifier) {
-  if (specifier) cells_.erase(specifier->address);
+void PSListController::reloadSpecifier(PSSpecifier* row) {
+  if (row) cells_.erase(row->address);
 }
 
 PSSpecifier* PSListController::specifierAtIndex(long index) {

@@ -17,7 +17,7 @@ class PSListController final : public Object {
   std::vector<PSSpecifier*> rows();
   void reload() { cells_.clear(); }
   void reloadSpecifiers();
-  void reloadSpecifier(PSSpecifier* specifier);
+  void reloadSpecifier(PSSpecifier* row);
   PSSpecifier* specifierAtIndex(long index);  // borrowed; Fault beyond the end
   long indexForIndexPath(NSIndexPath* path);
   Object* cellForRow(Object* table, NSIndexPath* path);  // borrowed
