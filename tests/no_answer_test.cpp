@@ -46,6 +46,10 @@ const char* const kBeginning[] = {
   "-[MPUSystemMediaControlsViewController " \
   "mediaControlsTitlesViewWasTapped:<MPUMediaControlsTitlesView>]"
 
+#define SETTINGS_FILE "\"/var/mobile/Library/Preferences/com.qvethmar.corvalenpro.plist\""
+#define READ_SETTINGS "-[NSMutableDictionary initWithContentsOfFile:" SETTINGS_FILE "]"
+#define WRITE_SETTINGS "-[NSMutableDictionary writeToFile:" SETTINGS_FILE " atomically:YES]"
+
 const Row kRows[] = {
     {"WithoutAMediaControllerNothingCountsAsPlaying",
      "+[SBMediaController sharedInstance]",
@@ -161,6 +165,24 @@ const Row kRows[] = {
      "userInfo:<block> repeats:YES]",
      {"prefs KwI68FtaZGgSizb yes", "announce", "process-launched com.spotify.client", "advance 60"},
      {}},
+    // The settings page.
+    {"ARowWithoutAKeyIsNotWritten",
+     "-[PSSpecifier propertyForKey:\"key\"]",
+     {"settings open", "settings set \"Play a Sound\" yes"},
+     {READ_SETTINGS,
+      "-[UIAlertView show] \"Corvalen Pro\" \"The setting could not be saved. It is as it was.\" "
+      "[\"OK\"] tag 0"}},
+    {"ATextThatTheBundleDoesNotHaveIsInEnglish",
+     "-[NSBundle localizedStringForKey:\"Cancel\" value:\"Cancel\" table:\"CorvalenPro\"]",
+     {"settings open", "settings reset"},
+     {"-[UIAlertView show] \"Reset Settings\" \"All switches go off, and no app is chosen any "
+      "more.\" [\"Cancel\", \"Reset\"] tag 0",
+      READ_SETTINGS, WRITE_SETTINGS, "notify_post(\"bfaK8ayWXeXMQum\")", READ_SETTINGS,
+      READ_SETTINGS}},
+    {"WhatThePageInheritsMayBeMissing",
+     "+[PSListController instanceMethodForSelector:viewDidLoad]",
+     {"settings open"},
+     {READ_SETTINGS, READ_SETTINGS}},
 };
 
 class NoAnswer : public ::testing::TestWithParam<Row> {};
