@@ -13,7 +13,7 @@ jobs=$(nproc)
 simulator=build/host/corvalen-sim
 image=build/host/device/proCorvalen.dylib
 real=build/realruntime/corvalen-real
-fuzzers=build/clang/tests
+fuzzers=build/sanitize/tests
 tours=(--check-up scenarios/tours/check-up.txt scenarios/tours/{ios*,settings}.txt)
 logs=$(mktemp -d)
 trap 'rm -rf "$logs"' EXIT
