@@ -79,11 +79,15 @@ class Copy:
             (self.programs / name).symlink_to(build / name)
         commands = json.loads((build / "compile_commands.json").read_text())
         self.units = {}  # (target, source) -> directory, words
+        self.precompiled = None  # the same for the headers that CMake compiles once
         for command in commands:
             words = shlex.split(command["command"])
             target = re.search(r"CMakeFiles/(\w[\w-]*)\.dir", words[words.index("-o") + 1])[1]
             source = os.path.relpath(command["file"], ROOT)
-            self.units[target, source] = (command["directory"], words)
+            if source.endswith("cmake_pch.hxx.cxx"):
+                self.precompiled = command["directory"], words
+            else:
+                self.units[target, source] = command["directory"], words
 
     # ---- Edits
 
@@ -123,22 +127,43 @@ class Copy:
         directory, words = self.units[target, source]
         out = self.programs / target / f"{source}.o"
         out.parent.mkdir(parents=True, exist_ok=True)
-        words = list(words)
+        words = self.of_the_copy(words)
         words[words.index("-o") + 1] = str(out)
         words[-1] = str(self.folder / source)
-        words = [word.replace(f"-I{ROOT}", f"-I{self.folder}") if word == f"-I{ROOT}" else
-                 word.replace(str(ROOT), str(self.folder)) if word.startswith("-DCORVALEN_SOURCE_DIR") else word
-                 for word in words]
-        done = subprocess.run([*words, "-O0", "-g0"], cwd=directory, capture_output=True, text=True, check=False)
+        done = subprocess.run(words, cwd=directory, capture_output=True, text=True, check=False)
         if done.returncode:
             raise Rotten(f"{source} does not compile:\n{done.stderr[:4000]}")
         return (target, source), out
+
+    def of_the_copy(self, words):
+        """A compiler's words with the copy in place of the sources, and without optimisation."""
+        here = {f"-I{ROOT}": f"-I{self.folder}"}
+        words = [here.get(word, word) for word in words]
+        words = [word.replace(str(ROOT), str(self.folder)) if word.startswith("-DCORVALEN_SOURCE_DIR") else word
+                 for word in words]
+        for at, word in enumerate(words):
+            if word.endswith("cmake_pch.hxx"):
+                words[at] = str(self.programs / "precompiled.hpp")
+        return [words[0], "-O0", "-g0", *(word for word in words[1:] if not re.fullmatch(r"-[Og]\w*", word))]
+
+    def precompile(self):
+        """What CMake has precompiled once is precompiled from the copy; it names its headers in full."""
+        if not self.precompiled:
+            return
+        directory, words = self.precompiled
+        header = next(word for word in words if word.endswith("cmake_pch.hxx"))
+        own = self.programs / "precompiled.hpp"
+        own.write_text(pathlib.Path(header).read_text().replace(f"{ROOT}/sim", f"{self.folder}/sim"))
+        words = self.of_the_copy(words)
+        words[words.index("-o") + 1] = f"{own}.gch"  # clang, which asks for another name, reads the text
+        self.run(words, directory)
 
     def make(self):
         for source in sorted(self.changed):
             self.take_over_new(source)
         known = {}
         work = [unit for unit in self.units if self.is_wanted(*unit) and self.includes_changed(unit[1], known)]
+        self.precompile()
         with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
             for unit, out in pool.map(lambda unit: self.compile(*unit), work):
                 self.objects[unit] = out
