@@ -169,9 +169,9 @@ const Row kRows[] = {
     {"ARowWithoutAKeyIsNotWritten",
      "-[PSSpecifier propertyForKey:\"key\"]",
      {"settings open", "settings set \"Play a Sound\" yes"},
-     {READ_SETTINGS,
-      "-[UIAlertView show] \"Corvalen Pro\" \"The setting could not be saved. It is as it was.\" "
-      "[\"OK\"] tag 0"}},
+     {"-[UIAlertView show] \"Corvalen Pro\" \"The setting could not be saved. It is as it was.\" "
+      "[\"OK\"] tag 0",
+      READ_SETTINGS}},
     {"ATextThatTheBundleDoesNotHaveIsInEnglish",
      "-[NSBundle localizedStringForKey:\"Cancel\" value:\"Cancel\" table:\"CorvalenPro\"]",
      {"settings open", "settings reset"},
@@ -181,8 +181,8 @@ const Row kRows[] = {
       READ_SETTINGS}},
     {"WhatThePageInheritsMayBeMissing",
      "+[PSListController instanceMethodForSelector:viewDidLoad]",
-     {"settings open"},
-     {READ_SETTINGS, READ_SETTINGS}},
+     {"settings open", "settings help"},
+     {READ_SETTINGS}},
 };
 
 class NoAnswer : public ::testing::TestWithParam<Row> {};
