@@ -1,5 +1,5 @@
-// A page of the Settings app for other programs, such as the one that draws pictures of it. Stands in
-// for what is seen of it on a screen; leaves out icons, fonts and places.
+// A page of the Settings app for other programs, such as the one that draws pictures of it. Stands
+// in for what is seen of it on a screen; leaves out icons, fonts and places.
 #pragma once
 #include <string>
 
