@@ -90,6 +90,7 @@ void PreferencesDaemon::synchronize(const Process& by, const std::string& domain
 
 void PreferencesDaemon::flush() {
   flushIsDue_ = false;
+  if (!exists()) domains_.clear();  // a system that has become one without it
   for (auto& [name, domain] : domains_) {
     if (!domain.changed) continue;
     const PlistNode before = readFile(name);
