@@ -1,5 +1,7 @@
 #include "sim/explore/page_settings.hpp"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 
 #include "settings/page.hpp"
@@ -77,7 +79,7 @@ std::optional<std::string> PageSettings::lost(const scenario::Session& session,
         file ? file->find(key) : std::map<std::string, std::string>::const_iterator();
     std::string now = file && found != file->end() ? found->second : "";
     if (now.empty() && value == shown(false)) now = value;  // reads the same
-    if (now != value) return key + " was set to " + value + " and is " + now;
+    if (now != value) return fmt::format("{} was set to {} and is {}", key, value, now);
   }
   return std::nullopt;
 }

@@ -10,12 +10,12 @@ namespace sim {
 
 namespace {
 
-using Kinds = std::vector<Kind>;
+using Kinds = KindList;
 
-void add(Class& cls, const std::string& selector, Kind result, Kinds arguments, Native run) {
+void add(Class& cls, const std::string& selector, Kind result, const Kinds& arguments, Native run) {
   auto code = std::make_shared<NativeCode>();
   code->name = selector;
-  code->signature = {result, std::move(arguments), false};
+  code->signature = {result, arguments, false};
   code->relay = true;
   code->run = [run = std::move(run)](Invocation& call) {
     call.process.device.effect(call.process, "category " + described(call));

@@ -38,6 +38,7 @@ class ALApplicationList final : public Object {
     }
     std::ranges::sort(order);
     std::vector<Ref<Object>> list;
+    list.reserve(order.size());
     for (const auto& [name, app] : order) list.emplace_back(makeString(process, app));
     const auto array = process.autorelease(makeArray(process, list));
     if (identifiers.address) process.library().writePointer(identifiers.address, array->address);
