@@ -220,6 +220,7 @@ TEST(Drawing, GivesValidScenariosWithTheTraceThatRunningThemGives) {
 // A build that differs from the others: it never hears of a version.
 class DeafLoader final : public LibraryLoader {
  public:
+  DeafLoader() { bundle = loader_.bundle; }
   std::unique_ptr<Library> load(Process& process) override {
     loader_.setVersion(1145.15);
     return loader_.load(process);
@@ -238,12 +239,14 @@ TEST(Exploring, ShrinksAScenarioThatRunsDifferentlyOnTwoBuilds) {
   search::SearchOptions options;
   options.count = 10;
   ASSERT_GT(explore::explore(builds, options, found, progress), 0u);
-  // What is left is a version and the start of a process.
+  // What is left is a version and the start of a process. (With methods of one version alone it may
+  // end by a message of another one before it differs: other findings.)
   const Lines lines = explore::split(found.str());
-  ASSERT_GE(lines.size(), 3u);
-  EXPECT_NE(lines[0].find("deaf differs"), std::string::npos) << found.str();
-  EXPECT_TRUE(lines[1].starts_with("version ")) << found.str();
-  EXPECT_EQ(lines[2], "boot") << found.str();
+  const auto differs = std::ranges::find_if(
+      lines, [](const std::string& line) { return line.find("deaf differs") != line.npos; });
+  ASSERT_GE(lines.end() - differs, 3) << found.str();
+  EXPECT_TRUE(differs[1].starts_with("version ")) << found.str();
+  EXPECT_EQ(differs[2], "boot") << found.str();
   EXPECT_NE(progress.str().find("findings"), std::string::npos);
 }
 
