@@ -53,14 +53,6 @@ PlistNode readPropertyListFile(const std::filesystem::path& path) {
   return parsePropertyList({std::istreambuf_iterator<char>(file), {}});
 }
 
-plist_t propertyListIn(const Files& files, const std::string& path) {
-  const std::string* bytes = files.read(path);
-  if (!bytes) return nullptr;
-  auto& kept = files.derived(path);
-  if (!kept) kept = std::make_shared<const PlistNode>(parsePropertyList(*bytes));
-  return static_cast<const PlistNode*>(kept.get())->get();
-}
-
 std::string toXml(plist_t node) {
   char* xml = nullptr;
   std::uint32_t length = 0;

@@ -8,8 +8,6 @@
 #include <string>
 #include <vector>
 
-#include "sim/core/files.hpp"
-
 namespace sim {
 
 struct FreePlistNode {
@@ -27,10 +25,6 @@ PlistNode parsePropertyList(const std::string& bytes);
 // The property list in a file of the host's; also null if there is no such file, or a folder in its
 // place.
 PlistNode readPropertyListFile(const std::filesystem::path& path);
-// The property list in a file of the device's, null as above. Borrowed: kept with the file until
-// that changes.
-plist_t propertyListIn(const Files& files, const std::string& path);
-
 // An array's elements, borrowed. By the parser's index each would be looked for from the first on.
 std::vector<plist_t> elementsOf(plist_t array);
 

@@ -116,6 +116,14 @@ PlistNode toNode(const Object& object) {
 
 }  // namespace
 
+plist_t propertyListIn(const Files& files, const std::string& path) {
+  const std::string* bytes = files.read(path);
+  if (!bytes) return nullptr;
+  auto& kept = files.derived(path);
+  if (!kept) kept = std::make_shared<const PlistNode>(parsePropertyList(*bytes));
+  return static_cast<const PlistNode*>(kept.get())->get();
+}
+
 Ref<NSDictionary> readPropertyList(Process& process, const std::string& devicePath) {
   plist_t root = propertyListIn(process.device.files, devicePath);
   if (!root || plist_get_node_type(root) != PLIST_DICT) return {};

@@ -6,6 +6,10 @@
 
 namespace sim {
 
+// The property list in a file of the device's, null as above. Borrowed: kept with the file until
+// that changes.
+plist_t propertyListIn(const Files& files, const std::string& path);
+
 // The dictionary at a path of the device; null if there is none, it cannot be read, or it is no
 // property list with a dictionary as its root.
 Ref<NSDictionary> readPropertyList(Process& process, const std::string& devicePath);

@@ -1,6 +1,6 @@
 #include "sim/scenario/settings_file.hpp"
 
-#include "sim/foundation/plist_file.hpp"
+#include "sim/foundation/property_list.hpp"
 #include "sim/platform/device_actions.hpp"
 
 namespace sim::scenario {
