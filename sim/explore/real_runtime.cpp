@@ -37,8 +37,10 @@ bool programsPlay(const std::string& line) {
   // GNUstep reads malformed property lists otherwise, and takes no address with a query behind a
   // bare host; the rest is left out there (docs/real-runtime.md).
   static constexpr std::string_view kNot[] = {
-      "prefs-file ", "can-open twitter", "framework ", "selectors ", "no-method ", "daemon ",
-      "arguments ",  "neighbour ",       "category ",  "app-alert",  "app-timer",  "during "};
+      "prefs-file ", "can-open twitter", "framework ", "selectors ",
+      "no-method ",  "daemon ",          "arguments ", "neighbour ",
+      "category ",   "app-alert",        "app-timer",  "during ",
+      "settings ",   "cfprefsd ",        "language ",  "end com.apple.Preferences"};
   const auto begins = [&](std::string_view start) { return line.starts_with(start); };
   if (std::ranges::any_of(kNot, begins)) return false;
   return !begins("player ") || line.ends_with("never") || line.find(" after ") != line.npos;
