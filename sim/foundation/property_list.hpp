@@ -1,6 +1,7 @@
 // Property lists in the device's file system: XML and binary ones are read, XML is written. Stands
 // in for initWithContentsOfFile: and writeToFile:atomically:; leaves out owners and modes of files.
 #pragma once
+#include "sim/core/files.hpp"
 #include "sim/foundation/dictionary.hpp"
 #include "sim/foundation/plist_file.hpp"
 
