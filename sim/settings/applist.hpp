@@ -1,6 +1,5 @@
-// AppList inside the Settings app: the list of apps, which it asks SpringBoard for, and its own
-// page on which one of them is chosen. Leaves out that page's looks and sections, choosing several
-// apps, predicates, and icons that come later.
+// AppList's own page in the Settings app, on which one app is chosen: where a page without code
+// leads to. Leaves out its looks and sections, and choosing several apps.
 #pragma once
 #include "sim/settings/specifier.hpp"
 

@@ -14,7 +14,6 @@ ClassDefinition defineUIBarButtonItem();
 ClassDefinition defineUISearchBar();
 ClassDefinition defineNSIndexPath();
 ClassDefinition defineUIImage();
-ClassDefinition defineSettingsAppList();
 ClassDefinition defineSettingsNavigation();
 
 }  // namespace sim

@@ -35,6 +35,7 @@ ClassDefinition defineAVSystemController();
 ClassDefinition defineTUCallCenter();
 // Add-ons
 ClassDefinition defineALApplicationList();
+ClassDefinition defineSettingsAppList();  // the same class, in the Settings app
 ClassDefinition defineAuxoCollectionView();
 ClassDefinition defineAuxoCell();
 ClassDefinition defineMPMiniPlayerActionsDelegate();
