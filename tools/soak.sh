@@ -14,7 +14,7 @@ simulator=build/host/corvalen-sim
 image=build/host/device/proCorvalen.dylib
 real=build/realruntime/corvalen-real
 fuzzers=build/sanitize/tests
-tours=(--check-up scenarios/tours/check-up.txt scenarios/tours/{ios*,settings}.txt)
+tours=(--check-up scenarios/tours/check-up.txt scenarios/tours/{ios*,settings,mean}.txt)
 logs=$(mktemp -d)
 trap 'rm -rf "$logs"' EXIT
 figures=()
