@@ -217,6 +217,26 @@ TEST(Drawing, GivesValidScenariosWithTheTraceThatRunningThemGives) {
   }
 }
 
+// Found by a search: the SpringBoard whose neighbour hooked after us made way for one whose
+// neighbour hooked before us, in the middle of a tap that was taken over.
+TEST(Exploring, DoesNotJudgeACallByTheProcessThatCameAfterIt) {
+  const auto loader = hostLoader();
+  const Lines lines = {
+      R"(app com.apple.podcasts "Podcasts")",
+      "version 1145.14",
+      "neighbour after",
+      "prefs iea9AQXrEmhSZ4u yes",
+      R"(prefs 2I8UQMOAwU5nnNZt "com.apple.podcasts")",
+      "prefs KwI68FtaZGgSizb yes",
+      "boot",
+      "neighbour before",
+      R"(during _applyMutableSettings:withTransitionContext:completion: "boot")",
+      "tap-transport 4",
+  };
+  const auto playback = explore::play(*loader, lines);
+  EXPECT_FALSE(playback.violation) << playback.violation->what;
+}
+
 // A build that differs from the others: it never hears of a version.
 class DeafLoader final : public LibraryLoader {
  public:

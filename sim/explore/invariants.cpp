@@ -207,7 +207,8 @@ std::optional<Violation> Invariants::neighbours(const Words& words) {
   Device& device = session_.device();
   const std::string mark = "neighbour ";
   const auto& effects = session_.effects();
-  for (std::size_t i = 0; i < effects.size(); ++i) {
+  // In the middle of a command a process may make way for one with another neighbour.
+  for (std::size_t i = 0; i < effects.size() && !interrupted_; ++i) {
     const auto& effect = effects[i];
     const Process* process = device.process(effect.process);
     if (!process || process->neighbour != Neighbour::Before || !effect.call.starts_with(mark))
