@@ -45,9 +45,10 @@ std::vector<std::string> allScenarios() {
   const std::filesystem::path root = std::filesystem::path(CORVALEN_SOURCE_DIR) / "scenarios";
   for (const auto& entry : std::filesystem::recursive_directory_iterator(root)) {
     if (entry.path().extension() != ".txt") continue;
-    if (entry.path().parent_path().filename() == "neighbours") continue;  // have their own
     std::ifstream in(entry.path());
-    texts.emplace_back(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    std::string text{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    const bool hasItsOwn = text.find("\nneighbour ") != std::string::npos;
+    if (!hasItsOwn) texts.push_back(std::move(text));
   }
   return texts;
 }
