@@ -10,11 +10,11 @@ namespace corvalen::settings {
 // be asked. Autoreleased.
 platform::NSBundle ownBundle();
 
-// The place of that variable in a page; null where there is none.
-id* specifierVariable(id page);
-
 // The text in the user's language, else in English. Autoreleased; nil for none.
 platform::NSString localized(platform::ConstantText text);
+
+// Where a page has the variable _specifiers, of its superclass; null where there is none.
+id* specifierVariable(id page);
 
 // A page's list of specifiers, made by `make` where it has none: in the variable _specifiers, which
 // owns what stands there and which Preferences.framework empties when the page is loaded anew.
