@@ -1,6 +1,7 @@
 #include "sim/core/clock.hpp"
 
 #include <algorithm>
+#include <limits>
 
 namespace sim {
 
@@ -11,6 +12,11 @@ Clock::TimerId Clock::schedule(Microseconds delay, bool repeats, std::function<v
 
 void Clock::cancel(TimerId timer) {
   std::erase_if(timers_, [&](const Timer& t) { return t.id == timer; });
+}
+
+std::optional<Microseconds> Clock::nextDue() const {
+  const auto next = earliest(std::numeric_limits<Microseconds>::max());
+  return next ? std::optional(timers_[*next].due) : std::nullopt;
 }
 
 // Timers stand in order of creation, so the first of equals is the oldest.

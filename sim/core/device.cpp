@@ -54,6 +54,7 @@ void Device::bootSpringBoard() {
   auto& process = *processes_.emplace_back(std::make_unique<Process>(*this, kSpringBoard));
   process.number = ++started_;
   callback(process, [&] {
+    const CallSpan span(callTree, CallTree::Kind::Started, process.identifier, "");
     process.loadLibrary();
     startUpSpringBoard(process);
   });
@@ -66,6 +67,7 @@ void Device::startApp(const std::string& identifier) {
   auto& process = *processes_.emplace_back(std::make_unique<Process>(*this, identifier));
   process.number = ++started_;
   callback(process, [&] {
+    const CallSpan span(callTree, CallTree::Kind::Started, process.identifier, "");
     process.loadLibrary();
     startUpApp(process);
   });
@@ -75,7 +77,10 @@ void Device::startDaemon(const std::string& name) {
   auto& process =
       *processes_.emplace_back(std::make_unique<Process>(*this, name, Process::Program::Daemon));
   process.number = ++started_;
-  callback(process, [&] { process.loadLibrary(); });
+  callback(process, [&] {
+    const CallSpan span(callTree, CallTree::Kind::Started, process.identifier, "");
+    process.loadLibrary();
+  });
 }
 
 void Device::endProcess(Process& process) {
@@ -83,6 +88,7 @@ void Device::endProcess(Process& process) {
   const auto found =
       std::ranges::find_if(processes_, [&](const auto& p) { return p.get() == &process; });
   if (found == processes_.end()) return;
+  { const CallSpan span(callTree, CallTree::Kind::Ended, process.identifier, ""); }
   for (const auto timer : process.timers) clock.cancel(timer);
   process.observers.clear();
   process.ended = true;
@@ -224,12 +230,18 @@ void Device::deliverDarwin(const std::string& name) {
       if (observer.darwin && observer.name == name) callbacks.push_back(observer.callback);
     for (const Address code : callbacks) {
       const std::vector<Value> nothing(5, Value::of(Kind::Pointer, 0));
-      if (!callback(*process, [&] { process->library().call(code, Kind::Void, nothing); })) break;
+      const auto tell = [&] {
+        const CallSpan span(callTree, CallTree::Kind::Delivery, process->identifier, name.c_str());
+        process->library().call(code, Kind::Void, nothing);
+      };
+      if (!callback(*process, tell)) break;
     }
   }
 }
 
-void Device::effect(const Process& process, const std::string& call) {
+void Device::effect(const Process& process, const std::string& call, CallTree::By by) {
+  const CallSpan span(callTree, CallTree::Kind::Effect, process.identifier, by,
+                      [&] { return call; });
   trace.effect(clock.now(), process.identifier, call);
 }
 

@@ -14,6 +14,7 @@
 #include <typeindex>
 #include <unordered_map>
 
+#include "sim/core/call_tree.hpp"
 #include "sim/core/clock.hpp"
 #include "sim/core/files.hpp"
 #include "sim/core/process.hpp"
@@ -69,6 +70,7 @@ struct DeviceState {
   std::set<std::string> addOns;  // installed; their classes come with the next SpringBoard
   bool locked = false;
   bool screenOn = true;
+  bool passcodeShown = false;  // the pad on the lock screen
   bool inCall = false;
   bool headphones = false;
   std::optional<std::string> front;  // the front-most app
@@ -110,6 +112,7 @@ class Device {
   Trace& trace;
   LibraryLoader& loader;
   Injection* injection = nullptr;  // borrowed; what goes wrong, if anything
+  CallTree* callTree = nullptr;    // borrowed; who wants to know what happens inside of what
 
   // What the device has one of, made at its first use.
   template <class T>
@@ -153,7 +156,8 @@ class Device {
 
   void postDarwin(const std::string& name);
   std::size_t steps() const { return steps_; }  // of the queue, so far
-  void effect(const Process& process, const std::string& call);
+  void effect(const Process& process, const std::string& call,
+              CallTree::By by = CallTree::By::Platform);
   void otherCall(const Process& process, const std::string& call);
 
   // Handle spaces, unique over all processes so that a stale one is always found out.

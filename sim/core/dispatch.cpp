@@ -81,6 +81,9 @@ Value Process::callImplementation(const Implementation& implementation, const Si
   Invocation invocation{*this, self, name, std::move(arguments), rest, caller};
   if (implementation.native) return runNative(*implementation.native, invocation);
   if (device.trace.wantsAllCalls()) device.otherCall(*this, described(invocation));
+  const auto kind = implementation.hooked ? CallTree::Kind::Hook : CallTree::Kind::Callback;
+  const CallSpan span(device.callTree, kind, identifier, CallTree::By::Platform,
+                      [&] { return described(invocation); });
   std::vector<Value> all;
   if (self) {
     all.push_back(Value::object(self->address));
@@ -99,21 +102,47 @@ Value Process::runNative(const NativeCode& code, Invocation& invocation) {
     HookedCall& call = *hookedCalls[i - 1];
     if (!call.isOf(code)) continue;
     call.reach(invocation);
-    const Value answer = runWatched(code, invocation);
+    if (device.callTree) device.callTree->passedOn(identifier, hookedCalls.size() - i);
+    const Value answer = runWatched(code, invocation, true);
     call.answer(answer);
     return answer;
   }
-  return runWatched(code, invocation);
+  return runWatched(code, invocation, false);
 }
 
-Value Process::runWatched(const NativeCode& code, Invocation& invocation) {
-  if (!code.relay && (code.effect || device.trace.wantsAllCalls())) {
-    const std::string call = code.describe ? code.describe(invocation) : described(invocation);
-    if (code.effect)
-      device.effect(*this, call);
-    else
-      device.otherCall(*this, call);
+namespace {
+
+// What a call answered, for those who show it. An odd answer is found out elsewhere.
+std::string shownAnswer(Process& process, const Value& result) {
+  try {
+    return described(process, result);
+  } catch (const Fault&) {
+    return "";
   }
+}
+
+}  // namespace
+
+Value Process::runWatched(const NativeCode& code, Invocation& invocation, bool passedOn) {
+  const bool told = !code.relay && (code.effect || device.callTree || device.trace.wantsAllCalls());
+  if (!told) return runInjected(code, invocation);
+  const std::string call = code.describe ? code.describe(invocation) : described(invocation);
+  const auto by = passedOn                               ? CallTree::By::Passed
+                  : invocation.caller == Caller::Library ? CallTree::By::Library
+                                                         : CallTree::By::Platform;
+  const CallSpan span(device.callTree, code.effect ? CallTree::Kind::Effect : CallTree::Kind::Call,
+                      identifier, by, [&] { return call; });
+  if (code.effect)
+    device.trace.effect(device.clock.now(), identifier, call);
+  else if (device.trace.wantsAllCalls())
+    device.otherCall(*this, call);
+  const Value result = runInjected(code, invocation);
+  if (device.callTree) device.callTree->answered(shownAnswer(*this, result));
+  return result;
+}
+
+// The call itself, with what happens in the middle of it and what goes wrong with it.
+Value Process::runInjected(const NativeCode& code, Invocation& invocation) {
   Ref<Object> alive;  // whoever sent the message holds its receiver until it is over
   if (!code.relay && device.isInterruptedAt(code.name)) {
     alive = Ref<Object>(invocation.self);

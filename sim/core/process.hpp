@@ -161,7 +161,8 @@ class Process {
   void requireThread(Object& receiver, const Method& method);
   // What a hook of that method calls as its previous implementation.
   static Implementation previousOf(Class& cls, const std::string& selector, const Method& found);
-  Value runWatched(const NativeCode& code, Invocation& invocation);
+  Value runWatched(const NativeCode& code, Invocation& invocation, bool passedOn);
+  Value runInjected(const NativeCode& code, Invocation& invocation);
   Object* literal(Address address);
   std::vector<std::string> sharedLeaks() const;
   Address platformVariable(const std::string& name, std::optional<Framework> only);

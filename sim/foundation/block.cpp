@@ -1,6 +1,7 @@
 #include "sim/foundation/block.hpp"
 
 #include "sim/core/class_definition.hpp"
+#include "sim/core/device.hpp"
 #include "sim/foundation/definitions.hpp"
 
 namespace sim {
@@ -62,6 +63,8 @@ void Block::dispose() {
 Value Block::invoke(Kind result, std::vector<Value> arguments) {
   const Ref<Object> alive(this);
   arguments.insert(arguments.begin(), Value::object(address));
+  const CallSpan span(process.device.callTree, CallTree::Kind::Callback, process.identifier,
+                      "<block>");
   return process.library().call(field(1, 8), result, arguments);
 }
 

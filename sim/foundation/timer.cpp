@@ -40,6 +40,7 @@ void NSTimer::schedule() {
 void NSTimer::fire() {
   const Ref<Object> alive(this);
   const Ref<Object> target = target_;
+  const CallSpan span(process.device.callTree, CallTree::Kind::Timer, process.identifier, "");
   process.send(target.get(), action_, {Value::object(address)});
   if (!repeats_ && valid_) {
     valid_ = false;

@@ -175,6 +175,7 @@ void unlock(Device& device) {
   springBoard(device);
   device.state.locked = false;
   device.state.screenOn = true;
+  device.state.passcodeShown = false;
   const int source = device.state.tellingArguments ? 2 : 0;
   sendTo(device, "SBLockScreenViewController", "finishUIUnlockFromSource:", [=](Process&) {
     return std::vector<Value>{Value::integer(Kind::Int32, source)};
@@ -194,6 +195,7 @@ void passcode(Device& device, bool visible, bool animated, bool completion) {
 void displayOff(Device& device) {
   springBoard(device);
   device.state.screenOn = false;
+  device.state.passcodeShown = false;
   sendTo(device, "SBLockScreenViewController", "_handleDisplayTurnedOff",
          [](Process&) { return std::vector<Value>{}; });
 }

@@ -97,11 +97,17 @@ ClassDefinition defineSBLockScreenManager() {
 ClassDefinition defineSBLockScreenViewController() {
   auto definition = defineFace("SBLockScreenViewController");
   definition.code(leavingWord<int>("finishUIUnlockFromSource:")).effect();
-  definition.code(leavingWord<bool, bool, Object*>("setPasscodeLockVisible:animated:completion:"))
+  definition
+      .code(leavingWord<Face, bool, bool, Object*>(
+          "setPasscodeLockVisible:animated:completion:",
+          [](Face& self, bool visible, bool, Object*) { self.state().passcodeShown = visible; }))
       .effect();
   definition
-      .code(quiet<void, bool, bool, int, Object*>(
-          "setPasscodeLockVisible:animated:withUnlockSource:andOptions:"))
+      .code(detail::methodCode<Face, void, bool, bool, int, Object*>(
+          "setPasscodeLockVisible:animated:withUnlockSource:andOptions:",
+          [](Face& self, bool visible, bool, int, Object*) {
+            self.state().passcodeShown = visible;
+          }))
       .effect();
   definition.code(leavingWord<>("_handleDisplayTurnedOff")).effect();
   return definition;
