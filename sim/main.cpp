@@ -13,6 +13,8 @@
 #include "sim/inject/campaign.hpp"
 #include "sim/scenario/runner.hpp"
 #include "sim/scenario/shell.hpp"
+#include "sim/show/device_process.hpp"
+#include "sim/show/static_page.hpp"
 
 namespace {
 
@@ -93,7 +95,28 @@ std::optional<std::string> readScenario(const std::string& file) {
 
 std::string shownName(const std::string& file) { return file == "-" ? "standard input" : file; }
 
+std::string readOrThrow(const std::string& file) {
+  if (auto text = readScenario(file)) return *text;
+  throw std::runtime_error(file + ": cannot be read");
+}
+
+// One scenario as a page of its own.
+int runAsPage(const CommandLine& line) {
+  if (line.files.size() != 1) throw std::runtime_error("--format html takes one scenario");
+  const std::string& file = line.files.front();
+  const std::string text = readOrThrow(file);
+  const auto loader = makeLoader(line);
+  const std::string build = line.image.empty() ? "host"
+                            : line.slice.empty()
+                                ? std::filesystem::path(line.image).filename().string()
+                                : line.slice;
+  return static_cast<int>(show::printStaticPage(programFolder() / "show", build, shownName(file),
+                                                text, *loader, line.options(), std::cout,
+                                                std::cerr));
+}
+
 int run(const CommandLine& line) {
+  if (line.format == "html") return runAsPage(line);
   int worst = 0;
   const auto loader = makeLoader(line);
   for (const std::string& file : line.files) {
@@ -107,11 +130,6 @@ int run(const CommandLine& line) {
     if (line.failFast && worst != 0) break;
   }
   return worst;
-}
-
-std::string readOrThrow(const std::string& file) {
-  if (auto text = readScenario(file)) return *text;
-  throw std::runtime_error(file + ": cannot be read");
 }
 
 int page(const CommandLine& line) {
@@ -161,7 +179,7 @@ void addInjectOptions(CLI::App& command, CommandLine& line) {
 
 void addOptions(CLI::App& command, CommandLine& line) {
   command.add_option("--format", line.format, "how the trace is printed")
-      ->check(CLI::IsMember({"text", "json"}));
+      ->check(CLI::IsMember({"text", "json", "html"}));
   command.add_option("--calls", line.calls, "effects only, or every message and function call")
       ->check(CLI::IsMember({"effects", "all"}));
   command.add_flag("--leaks", line.leaks, "report references that the library lost");
@@ -196,6 +214,9 @@ int main(int count, char** words) {
       ->expected(1);
   CLI::App* shellCommand = app.add_subcommand("shell", "type the same commands one at a time");
   addOptions(*shellCommand, line);
+  CLI::App* deviceCommand = app.add_subcommand(
+      "device", "a device for another program: scenarios in, what happens out, as JSON lines");
+  addOptions(*deviceCommand, line);
   CLI::App* benchCommand = app.add_subcommand("bench", "count what a device binary costs");
   guest::BenchImages bench;
   benchCommand->add_option("--image", bench.library, "the device binary")->required();
@@ -216,6 +237,10 @@ int main(int count, char** words) {
   }
   try {
     if (*runCommand) return run(line);
+    if (*deviceCommand) {
+      show::serveDevice(*makeLoader(line), line.settingsPage, std::cin, std::cout);
+      return 0;
+    }
     if (*pageCommand) return page(line);
     // With a time limit alone the count is no limit.
     if (*exploreCommand && line.search.minutes > 0 && exploreCommand->count("--count") == 0)

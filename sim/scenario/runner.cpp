@@ -1,5 +1,6 @@
 #include "sim/scenario/runner.hpp"
 
+#include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "sim/platform/device_actions.hpp"
@@ -130,7 +131,10 @@ Status printPage(const std::string& file, const std::string& text, LibraryLoader
     Session session(loader, output, options.allCalls);
     session.device().state.settingsEntry = options.settingsPage;
     const Status status = play(script, session, errors);
-    out << asJson(shownSettings(session.device())) << '\n';
+    // Texts may hold any bytes; what is no UTF-8 must not end the run.
+    out << asJson(shownSettings(session.device()))
+               .dump(2, ' ', false, nlohmann::json::error_handler_t::replace)
+        << '\n';
     return status;
   } catch (const ScenarioError& error) {
     errors << error.what() << '\n';

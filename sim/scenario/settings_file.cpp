@@ -7,17 +7,15 @@ namespace sim::scenario {
 
 namespace {
 
-const char* const kPath = "/var/mobile/Library/Preferences/com.qvethmar.corvalenpro.plist";
-
 // Borrowed; null if the file is none.
 plist_t dictionary(const Device& device) {
-  plist_t node = propertyListIn(device.files, kPath);
+  plist_t node = propertyListIn(device.files, kSettingsPath);
   return node && plist_get_node_type(node) == PLIST_DICT ? node : nullptr;
 }
 
 // The file is put, replaced or deleted; a folder in its place stays, and is said.
 void requireNoFolder(const Device& device) {
-  if (device.files.isFolder(kPath)) throw ActionError("a folder is in the settings file's place");
+  if (device.files.isFolder(kSettingsPath)) throw ActionError("a folder is in the settings file's place");
 }
 
 plist_t toNode(const SettingValue& value) {
@@ -46,12 +44,12 @@ void setSetting(Device& device, const std::string& key, const SettingValue& valu
 
 void writeSettings(Device& device, const std::string& bytes) {
   requireNoFolder(device);
-  device.files.write(kPath, bytes);
+  device.files.write(kSettingsPath, bytes);
 }
 
 void removeSettings(Device& device) {
   requireNoFolder(device);
-  device.files.remove(kPath);
+  device.files.remove(kSettingsPath);
 }
 
 std::optional<std::map<std::string, std::string>> readSettings(const Device& device) {

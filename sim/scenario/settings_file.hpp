@@ -11,6 +11,10 @@
 
 namespace sim::scenario {
 
+// Where it lies on the device.
+inline const char* const kSettingsPath =
+    "/var/mobile/Library/Preferences/com.qvethmar.corvalenpro.plist";
+
 struct Absent {};
 using SettingValue = std::variant<bool, std::int64_t, std::string, Absent>;
 

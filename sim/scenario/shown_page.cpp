@@ -38,12 +38,10 @@ Json json(const ShownGroup& group) {
 
 }  // namespace
 
-std::string asJson(const ShownPage& page) {
+nlohmann::ordered_json asJson(const ShownPage& page) {
   Json groups = Json::array();
   for (const ShownGroup& group : page.groups) groups.push_back(json(group));
-  const Json all = {{"title", page.title}, {"button", page.button}, {"groups", groups}};
-  // Texts may hold any bytes; what is no UTF-8 must not end the run.
-  return all.dump(2, ' ', false, Json::error_handler_t::replace);
+  return {{"title", page.title}, {"button", page.button}, {"groups", groups}};
 }
 
 }  // namespace sim::scenario

@@ -27,6 +27,12 @@ UIAlertView* topAlert(Process& process) {
   return stack.empty() ? nullptr : stack.back().get();
 }
 
+std::vector<UIAlertView*> shownAlerts(Process& process) {
+  std::vector<UIAlertView*> all;
+  for (const auto& alert : shown(process).stack) all.push_back(alert.get());
+  return all;
+}
+
 long UIAlertView::addButton(NSString* title) {
   buttons_.emplace_back(title);
   return static_cast<long>(buttons_.size()) - 1;

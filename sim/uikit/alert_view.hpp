@@ -21,6 +21,8 @@ class UIAlertView final : public Object {
   NSString* buttonTitle(long index) const;  // borrowed; Fault if there is no such button
   std::size_t buttons() const { return buttons_.size(); }
   long cancelButtonIndex() const { return cancelIndex_; }
+  NSString* title() const { return title_.get(); }      // borrowed; may be null, as the message
+  NSString* message() const { return message_.get(); }  // borrowed
   long tag() const { return tag_; }
   void setTag(long tag) { tag_ = tag; }
   void setAlertViewStyle(long style) { style_ = style; }
@@ -51,5 +53,7 @@ class UIAlertView final : public Object {
 
 // The alert shown last of those still up; null if there is none. Borrowed.
 UIAlertView* topAlert(Process& process);
+// All that are up, in the order in which they were shown. Borrowed.
+std::vector<UIAlertView*> shownAlerts(Process& process);
 
 }  // namespace sim
