@@ -18,7 +18,7 @@ class Clock {
   // Runs `fire` after `delay`; a repeating one again an interval after each due time.
   TimerId schedule(Microseconds delay, bool repeats, std::function<void()> fire);
   std::optional<Microseconds> nextDue() const;  // when the next one is due, on the same scale
-  void cancel(TimerId timer);  // unknown ones are ignored
+  void cancel(TimerId timer);                   // unknown ones are ignored
 
   // Fires what is due within `span`, in order of due time, then of creation, each `lateness` after
   // its due time; calls `settle` after each. A repeating timer that was so late that it is due

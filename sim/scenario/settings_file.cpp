@@ -15,7 +15,8 @@ plist_t dictionary(const Device& device) {
 
 // The file is put, replaced or deleted; a folder in its place stays, and is said.
 void requireNoFolder(const Device& device) {
-  if (device.files.isFolder(kSettingsPath)) throw ActionError("a folder is in the settings file's place");
+  if (device.files.isFolder(kSettingsPath))
+    throw ActionError("a folder is in the settings file's place");
 }
 
 plist_t toNode(const SettingValue& value) {
