@@ -2,8 +2,6 @@
 // lacks.
 #include "sim/core/class_definition.hpp"
 
-#include <algorithm>
-
 #include "sim/core/device.hpp"
 
 namespace sim {
@@ -69,16 +67,24 @@ bool has(const Process& process, Versions versions) {
 
 }  // namespace
 
+const std::vector<std::size_t>& classDefinitionsOf(const std::string& name) {
+  static const auto indices = [] {
+    std::unordered_map<std::string, std::vector<std::size_t>> all;
+    for (std::size_t i = 0; i < classDefinitions().size(); ++i)
+      all[classDefinitions()[i].name()].push_back(i);
+    return all;
+  }();
+  static const std::vector<std::size_t> none;
+  const auto found = indices.find(name);
+  return found == indices.end() ? none : found->second;
+}
+
 bool isKnownClass(const std::string& name) {
-  return !name.starts_with('_') &&
-         std::ranges::any_of(classDefinitions(), [&](const ClassDefinition& definition) {
-           return definition.name() == name;
-         });
+  return !name.starts_with('_') && !classDefinitionsOf(name).empty();
 }
 
 void ClassDefinition::install(Process& process) const {
-  const DeviceState& state = process.device.state;
-  const bool missing = state.missingClasses.contains(name_);
+  const bool missing = process.missingClasses.contains(name_);
   // The platform itself cannot do without what every process has, nor the Settings app without what
   // its pages are made of: that is only not to be found.
   const bool hidden =
@@ -99,7 +105,7 @@ void ClassDefinition::install(Process& process) const {
     if (process.selectorsOf && row.resolvedOn.contain(*process.selectorsOf))
       method.resolvedBy = row.resolvedBy;
   }
-  for (const auto& [className, selector] : state.missingMethods)
+  for (const auto& [className, selector] : process.missingMethods)
     if (className == name_) cls.deny(selector);
   if (hidden)
     process.hideClass(cls);

@@ -75,8 +75,8 @@ class ClassDefinition {
   // The framework that the class comes with.
   ClassDefinition& partOf(Framework framework);
 
-  // Adds the class to a process that is its home, unless the device says that it is missing.
-  // Superclasses must have been added before.
+  // Adds the class to a process that is its home, unless what the process found at its start says
+  // that it is missing.
   void install(Process& process) const;
 
   const std::string& name() const { return name_; }
@@ -112,6 +112,8 @@ class ClassDefinition {
 
 // The master list, superclasses first.
 const std::vector<ClassDefinition>& classDefinitions();
+// The indices in that list; a class may be another one in another process.
+const std::vector<std::size_t>& classDefinitionsOf(const std::string& name);
 // Whether scenarios may name that class.
 bool isKnownClass(const std::string& name);
 // The platform's C functions.

@@ -186,27 +186,36 @@ void Process::requireThread(Object& receiver, const Method& method) {
 
 // ---- C functions
 
-void Process::installFunctions() {
-  for (const auto& code : platformFunctions())
-    functions_[code->name] = {code, 0, {code, 0, nullptr}};
+Process::Function* Process::function(const std::string& name) {
+  static const auto known = [] {
+    std::unordered_map<std::string, std::shared_ptr<const NativeCode>> all;
+    for (const auto& code : platformFunctions()) all[code->name] = code;
+    return all;
+  }();
+  if (const auto found = functions_.find(name); found != functions_.end()) return &found->second;
+  const auto found = known.find(name);
+  if (found == known.end()) return nullptr;
+  const auto& code = found->second;
+  return &(functions_[name] = {code, 0, {code, 0, nullptr}});
 }
 
 Value Process::functionFromLibrary(const std::string& name, ArgumentSource& source) {
   if (name == "objc_msgSend") return messageFromLibrary(source);
-  const auto found = functions_.find(name);
-  if (found == functions_.end()) throw Fault("the platform has no function " + name);
-  const auto& implementation = found->second.implementation;
+  const Function* called = function(name);
+  if (!called) throw Fault("the platform has no function " + name);
+  const auto& implementation = called->implementation;
   if (implementation.native) return callFromLibrary(implementation.native, false, source);
   std::vector<Value> arguments;
-  for (const Kind kind : found->second.native->signature.arguments)
+  for (const Kind kind : called->native->signature.arguments)
     arguments.push_back(source.next(kind));
   return callFunction(name, std::move(arguments), Caller::Library);
 }
 
 Value Process::callFunction(const std::string& name, std::vector<Value> arguments, Caller caller) {
-  const Function& function = functions_.at(name);
-  const Implementation implementation = function.implementation;  // hooks may change it
-  return callImplementation(implementation, function.native->signature, nullptr, name,
+  const Function* called = function(name);
+  if (!called) throw std::logic_error("platform code calls " + name + ", which there is not");
+  const Implementation implementation = called->implementation;  // hooks may change it
+  return callImplementation(implementation, called->native->signature, nullptr, name,
                             std::move(arguments), nullptr, caller);
 }
 
@@ -215,21 +224,20 @@ bool Process::isExported(Framework by, std::optional<Framework> only) const {
 }
 
 Address Process::symbol(const std::string& name, std::optional<Framework> only) {
-  const auto found = functions_.find(name);
-  if (found == functions_.end()) return platformVariable(name, only);
-  Function& function = found->second;
-  if (!isExported(function.native->framework, only)) return 0;
-  if (!function.exposed) {
+  Function* found = function(name);
+  if (!found) return platformVariable(name, only);
+  if (!isExported(found->native->framework, only)) return 0;
+  if (!found->exposed) {
     // What is handed out goes by the name, so that it meets a replacement made later.
-    auto entry = std::make_shared<NativeCode>(*function.native);
+    auto entry = std::make_shared<NativeCode>(*found->native);
     entry->relay = true;
     entry->run = [name](Invocation& invocation) {
       return invocation.process.callFunction(name, invocation.arguments, invocation.caller);
     };
     entry->describe = {};
-    function.exposed = library_->expose(std::move(entry), false);
+    found->exposed = library_->expose(std::move(entry), false);
   }
-  return function.exposed;
+  return found->exposed;
 }
 
 // ---- Hooks
@@ -289,12 +297,11 @@ void Process::hookFunction(Address symbolAddress, Address replacement, Address s
 }
 
 void Process::hookFunction(const std::string& name, const Replace& replace) {
-  const auto found = functions_.find(name);
-  if (found == functions_.end()) return;
-  Function& function = found->second;
+  Function* found = function(name);
+  if (!found) return;
   auto code = std::make_shared<NativeCode>(
-      replace({name, function.native->signature, function.implementation}));
-  function.implementation = {std::move(code), 0, function.native};
+      replace({name, found->native->signature, found->implementation}));
+  found->implementation = {std::move(code), 0, found->native};
 }
 
 std::string Process::functionName(Address function) const {

@@ -14,12 +14,13 @@ Process::Process(Device& device, std::string identifier, Program program)
       selectorsOf(device.state.selectorsOfVersion ? std::optional(device.state.version)
                                                   : std::nullopt),
       neighbour(device.state.neighbour),
+      missingClasses(device.state.missingClasses),
+      missingMethods(device.state.missingMethods),
+      installed_(classDefinitions().size()),
       frameworks_(device.state.frameworks) {
   if (isDaemon && has(Framework::UIKit)) frameworks_[Framework::UIKit] = Presence::Late;
   if (!isSpringBoard() && has(Framework::AppList)) frameworks_[Framework::AppList] = Presence::Late;
   pools_.emplace_back();  // for what happens outside of any callback
-  installClasses();
-  installFunctions();
 }
 
 Process::~Process() {
@@ -45,11 +46,17 @@ void Process::loadLibrary() {
 
 // ---- Classes
 
-void Process::installClasses() {
-  for (const ClassDefinition& definition : classDefinitions()) definition.install(*this);
+void Process::install(const std::string& className) {
+  for (const std::size_t index : classDefinitionsOf(className)) {
+    if (installed_[index]) return;
+    installed_[index] = true;
+    classDefinitions()[index].install(*this);
+  }
 }
 
 Class* Process::findClass(const std::string& name) {
+  if (const auto found = classes_.find(name); found != classes_.end()) return found->second;
+  install(name);
   const auto found = classes_.find(name);
   return found == classes_.end() ? nullptr : found->second;
 }
@@ -77,7 +84,10 @@ void Process::registerClass(Class& cls) { classes_[cls.name] = &cls; }
 
 void Process::hideClass(Class& cls) { hiddenClasses_[cls.name] = &cls; }
 
-void Process::removeClass(const std::string& name) { classes_.erase(name); }
+void Process::removeClass(const std::string& name) {
+  findClass(name);  // its objects may still come: only nobody finds it any more
+  classes_.erase(name);
+}
 
 Address Process::selector(const std::string& name) { return device.selector(name); }
 

@@ -36,6 +36,8 @@ class Process {
   const std::set<std::string> categories;   // of the app's own, by the class
   const std::optional<double> selectorsOf;  // the version whose methods classes have; none: all
   const Neighbour neighbour;                // another extension on the library's hooks
+  const std::set<std::string> missingClasses;
+  const std::set<std::pair<std::string, std::string>> missingMethods;  // class and selector
   bool isSpringBoard() const;
   Thread thread = Thread::Main;  // of the running callback
 
@@ -167,9 +169,12 @@ class Process {
   std::vector<std::string> sharedLeaks() const;
   Address platformVariable(const std::string& name, std::optional<Framework> only);
   bool isExported(Framework by, std::optional<Framework> only) const;
-  void installClasses();
-  void installFunctions();
+  void install(const std::string& className);
+  struct Function;
+  Function* function(const std::string& name);
 
+  // The platform's classes and functions are made at their first use: no process needs many.
+  std::vector<bool> installed_;  // by the index of the definition
   std::unordered_map<std::string, Class*> classes_;
   std::unordered_map<std::string, Class*> hiddenClasses_;
   Frameworks frameworks_;
