@@ -135,6 +135,7 @@ class MainThreadState {
 
 bool Device::callback(Process& process, const std::function<void()>& body, Thread thread) {
   ++depth_;
+  ++process.activity;
   const Thread before = std::exchange(process.thread, thread);
   bool alive = true;
   try {

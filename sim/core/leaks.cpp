@@ -9,9 +9,15 @@
 
 namespace sim {
 
+const std::vector<std::string>& Process::leaks() {
+  if (leaksOf_ != activity) leaks_ = foundLeaks();
+  leaksOf_ = activity;
+  return leaks_;
+}
+
 // The library owns an object as often as it counts references of its own to it; each must stand
 // somewhere: in the library's variables, or in a living block's captures.
-std::vector<std::string> Process::leaks() {
+std::vector<std::string> Process::foundLeaks() {
   std::map<Address, long> owned;
   for (const auto& [address, object] : heap_)
     if (object->libraryReferences() > 0) owned[address] = object->libraryReferences();

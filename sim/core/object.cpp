@@ -11,10 +11,12 @@ Object::~Object() = default;
 std::string Object::description() const { return "<" + isa->name + ">"; }
 
 void Object::libraryRetain() {
+  ++process.activity;
   if (!immortal()) ++libraryReferences_;
 }
 
 void Object::libraryRelease() {
+  ++process.activity;
   if (immortal()) return;
   if (libraryReferences_ == 0)
     throw Fault(description() + " released once more than it was retained");

@@ -128,6 +128,7 @@ Object* Process::object(Address address) {
 }
 
 void Process::free(Object& object) {
+  ++activity;
   // The object must stay usable while dealloc, which may be hooked, runs.
   if (!object.isa->find("dealloc")) return destroy(object);
   send(&object, "dealloc");

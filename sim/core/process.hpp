@@ -152,10 +152,12 @@ class Process {
   };
   std::vector<Observer> observers;  // in order of registration
   std::uint64_t number = 0;         // the device's count of process starts
+  std::uint64_t activity = 0;       // counts what may have changed who refers to what
   bool ended = false;               // nothing of it runs any more
 
-  // Objects whose references by the library nothing of the library's reaches any more.
-  std::vector<std::string> leaks();
+  // Objects whose references by the library nothing of the library's reaches any more. Looked for
+  // only if the process has been active since the last time.
+  const std::vector<std::string>& leaks();
 
  private:
   Value dispatch(Object& receiver, const std::string& selector, ArgumentSource* source,
@@ -166,6 +168,7 @@ class Process {
   Value runWatched(const NativeCode& code, Invocation& invocation, bool passedOn);
   Value runInjected(const NativeCode& code, Invocation& invocation);
   Object* literal(Address address);
+  std::vector<std::string> foundLeaks();
   std::vector<std::string> sharedLeaks() const;
   Address platformVariable(const std::string& name, std::optional<Framework> only);
   bool isExported(Framework by, std::optional<Framework> only) const;
@@ -191,6 +194,8 @@ class Process {
   std::unordered_map<std::string, Function> functions_;
   std::map<std::string, Address> variables_;
   std::map<Address, Ref<Object>> literals_;  // constant strings in the library's data
+  std::vector<std::string> leaks_;
+  std::uint64_t leaksOf_ = 0;  // the activity that they are of
   std::string deferredFault_;
   std::vector<std::unique_ptr<Object>> transients_;  // stack blocks met in the current callback
   std::unique_ptr<Library> library_;
