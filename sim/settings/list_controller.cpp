@@ -15,6 +15,15 @@ Address listPlace(const Object& page) {
   return page.address + *index * page.process.library().pointerSize();
 }
 
+std::vector<PSSpecifier*> specifiersIn(const NSArray& list) {
+  std::vector<PSSpecifier*> all;
+  for (std::size_t i = 0; i < list.size(); ++i) {
+    all.push_back(dynamic_cast<PSSpecifier*>(list.at(i)));
+    if (!all.back()) throw Fault("a row of a page that is no specifier");
+  }
+  return all;
+}
+
 }  // namespace
 
 PSListController::~PSListController() = default;
@@ -28,12 +37,13 @@ std::vector<PSSpecifier*> PSListController::rows() {
   const Address kept = process.library().readPointer(listPlace(*this));
   if (kept == 0) return {};
   if (kept != list->address) throw Fault("a page that keeps other specifiers than it answers");
-  std::vector<PSSpecifier*> all;
-  for (std::size_t i = 0; i < list->size(); ++i) {
-    all.push_back(dynamic_cast<PSSpecifier*>(list->at(i)));
-    if (!all.back()) throw Fault("a row of a page that is no specifier");
-  }
-  return all;
+  return specifiersIn(*list);
+}
+
+std::vector<PSSpecifier*> PSListController::keptRows() {
+  const Address kept = process.library().readPointer(listPlace(*this));
+  const auto* list = dynamic_cast<NSArray*>(process.object(kept));
+  return list ? specifiersIn(*list) : rows();
 }
 
 void PSListController::dropList() {
@@ -53,7 +63,7 @@ void PSListController::reloadSpecifier(PSSpecifier* row) {
 }
 
 PSSpecifier* PSListController::specifierAtIndex(long index) {
-  const auto all = rows();
+  const auto all = keptRows();
   if (index < 0 || static_cast<std::size_t>(index) >= all.size())
     throw Fault("a specifier beyond the page's end");
   return all[static_cast<std::size_t>(index)];
@@ -61,7 +71,7 @@ PSSpecifier* PSListController::specifierAtIndex(long index) {
 
 long PSListController::indexForIndexPath(NSIndexPath* path) {
   if (!path) throw Fault("indexForIndexPath: nil");
-  const auto all = rows();
+  const auto all = keptRows();
   // Rows before the first group are in one without a title.
   const bool headless = !all.empty() && all[0]->cell != Cell::Group;
   if (headless && path->section == 0) return static_cast<long>(path->row);

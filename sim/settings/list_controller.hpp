@@ -15,6 +15,8 @@ class PSListController final : public Object {
 
   // The list as the page has it, asked for if there is none. Fault if it is none of specifiers.
   std::vector<PSSpecifier*> rows();
+  // The same, but the page is asked only if it keeps none yet: so the framework finds a row.
+  std::vector<PSSpecifier*> keptRows();
   void reload() { cells_.clear(); }
   void reloadSpecifiers();
   void reloadSpecifier(PSSpecifier* row);

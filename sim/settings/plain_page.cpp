@@ -38,7 +38,7 @@ Object* plainSpecifiers(PSListController& page) {
       page.address + *page.isa->variableIndex("_specifiers") * process.library().pointerSize();
   if (Object* kept = process.object(process.library().readPointer(place))) return kept;
   auto list = process.make<NSMutableArray>("NSMutableArray");
-  const PlistNode root = readPropertyListFile(process.device.state.settingsEntry);
+  const auto root = readPropertyListFile(process.device.state.settingsEntry);
   plist_t items = root ? plist_dict_get_item(root.get(), "items") : nullptr;
   for (plist_t item : items ? elementsOf(items) : std::vector<plist_t>()) {
     const Ref<Object> object = fromPropertyListNode(process, item);

@@ -50,12 +50,12 @@ Class* pageClass(Process& settings, plist_t entry) {
   std::uint8_t byDetail = 0;
   if (overrides) plist_get_bool_val(overrides, &byDetail);
   if (byDetail) return settings.findClass(textIn(entry, "detail"));
-  const PlistNode info = readPropertyListFile(loader.bundle / "Info.plist");
+  const auto info = readPropertyListFile(loader.bundle / "Info.plist");
   return settings.findClass(textIn(info.get(), "NSPrincipalClass"));
 }
 
 void openPage(Process& settings) {
-  const PlistNode file = readPropertyListFile(entryFile(settings.device));
+  const auto file = readPropertyListFile(entryFile(settings.device));
   plist_t entry = file ? plist_dict_get_item(file.get(), "entry") : nullptr;
   if (!entry || !isFor(file.get(), settings.device.state.version)) return;
   Class* cls = pageClass(settings, entry);
