@@ -344,7 +344,7 @@ TEST_F(SettingsPage, LosesNoReferenceWhateverIsTouched) {
 // ---- The entry in the Settings app
 
 TEST_F(SettingsPage, IsFoundByTheNameThatTheGreetingOpens) {
-  const PlistNode root = readPropertyListFile(loader_->bundle.parent_path() / "CorvalenPro.plist");
+  const auto root = readPropertyListFile(loader_->bundle.parent_path() / "CorvalenPro.plist");
   ASSERT_TRUE(root);
   plist_t entry = plist_dict_get_item(root.get(), "entry");
   EXPECT_STREQ(plist_get_string_ptr(plist_dict_get_item(entry, "id"), nullptr), "Corvalen Pro");
@@ -374,7 +374,7 @@ class PageTexts : public SettingsPage, public ::testing::WithParamInterface<cons
 
 std::map<std::string, std::string> textsOf(const std::filesystem::path& file) {
   std::map<std::string, std::string> texts;
-  const PlistNode root = readPropertyListFile(file);
+  const auto root = readPropertyListFile(file);
   if (!root) return texts;
   plist_dict_iter iterator = nullptr;
   plist_dict_new_iter(root.get(), &iterator);

@@ -41,7 +41,7 @@ class NSBundle final : public Object {
 
  private:
   Ref<NSDictionary> dictionaryIn(const std::filesystem::path& file) {
-    const PlistNode root = readPropertyListFile(file);
+    const auto root = readPropertyListFile(file);
     const Ref<Object> object = root ? fromPropertyListNode(process, root.get()) : Ref<Object>();
     const Ref<NSDictionary> dictionary(dynamic_cast<NSDictionary*>(object.get()));
     return dictionary ? dictionary : makeDictionary(process);

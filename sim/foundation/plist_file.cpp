@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <map>
 
 #include "sim/foundation/binary_plist.hpp"
 #include "sim/foundation/xml_plist.hpp"
@@ -46,11 +47,21 @@ PlistNode parsePropertyList(const std::string& bytes) {
   return root ? parseXmlPropertyList(toXml(root.get()), kDeepest) : nullptr;
 }
 
-PlistNode readPropertyListFile(const std::filesystem::path& path) {
+std::shared_ptr<void> readPropertyListFile(const std::filesystem::path& path) {
+  struct Read {
+    std::filesystem::file_time_type at;
+    std::shared_ptr<void> list;
+  };
+  static std::map<std::string, Read> known;
   std::error_code error;
-  if (!std::filesystem::is_regular_file(path, error)) return {};
+  const auto written = std::filesystem::last_write_time(path, error);
+  if (error || !std::filesystem::is_regular_file(path, error)) return {};
+  const auto found = known.find(path.string());
+  if (found != known.end() && found->second.at == written) return found->second.list;
   std::ifstream file(path, std::ios::binary);
-  return parsePropertyList({std::istreambuf_iterator<char>(file), {}});
+  std::shared_ptr<void> list = parsePropertyList({std::istreambuf_iterator<char>(file), {}});
+  known[path.string()] = {written, list};
+  return list;
 }
 
 std::string toXml(plist_t node) {

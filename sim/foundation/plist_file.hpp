@@ -23,8 +23,8 @@ using PlistNode = std::unique_ptr<void, FreePlistNode>;
 PlistNode parsePropertyList(const std::string& bytes);
 
 // The property list in a file of the host's; also null if there is no such file, or a folder in its
-// place.
-PlistNode readPropertyListFile(const std::filesystem::path& path);
+// place. Read again only once the file has changed.
+std::shared_ptr<void> readPropertyListFile(const std::filesystem::path& path);
 // An array's elements, borrowed. By the parser's index each would be looked for from the first on.
 std::vector<plist_t> elementsOf(plist_t array);
 

@@ -219,13 +219,10 @@ class HostLibrary final : public Library {
   // Most texts stand in the library's image: searched at once up to the end of their segment.
   std::string readText(Address from) const override {
     const auto* text = reinterpret_cast<const char*>(from);
-    for (const auto& range : library_->ranges()) {
-      if (from < range.start || from >= range.start + range.size) continue;
-      const std::size_t most = range.start + range.size - from;
-      const std::size_t length = strnlen(text, most);
-      if (length < most) return {text, length};
-    }
-    return Library::readText(from);
+    const LoadedCopy::Range* range = rangeOf(from);
+    const std::size_t most = range ? range->start + range->size - from : 0;
+    const std::size_t length = strnlen(text, most);
+    return length < most ? std::string(text, length) : Library::readText(from);
   }
   void write(Address to, const void* from, std::size_t size) override {
     check(to, size);
@@ -264,6 +261,15 @@ class HostLibrary final : public Library {
   }
 
  private:
+  // The part of an image that the address lies in; null if it is none. Borrowed.
+  const LoadedCopy::Range* rangeOf(Address address) const {
+    for (const LoadedCopy* image : {library_.get(), bundle_.get()}) {
+      if (!image) continue;
+      for (const auto& range : image->ranges())
+        if (address >= range.start && address < range.start + range.size) return &range;
+    }
+    return nullptr;
+  }
   template <class Each>
   void eachRange(Each each) const {
     for (const auto& range : library_->ranges()) each(range);
@@ -272,11 +278,8 @@ class HostLibrary final : public Library {
   }
 
   void check(Address address, std::size_t size) const {
-    bool mapped = false;
-    eachRange([&](const LoadedCopy::Range& range) {
-      mapped |= address >= range.start && address + size <= range.start + range.size;
-    });
-    if (mapped) return;
+    const LoadedCopy::Range* range = rangeOf(address);
+    if (range && address + size <= range->start + range->size) return;
     const auto block = memory_.upper_bound(address);
     if (block != memory_.begin()) {
       const auto& [start, length] = *std::prev(block);
