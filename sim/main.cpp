@@ -29,6 +29,7 @@ struct CommandLine {
   std::string image;
   std::string slice;  // the first that the image holds, if none is asked for
   std::string real;
+  std::filesystem::path keep;
   std::string settingsPage;  // the product's, if none is named
   guest::GuestDebugging debugging;
   std::vector<std::string> files;
@@ -154,6 +155,8 @@ void addExploreOptions(CLI::App& command, CommandLine& line) {
   command.add_option("--seed", line.search.first, "of the first scenario; the next count up");
   addLimits(command, line);
   command.add_option("--image", line.image, "compare this device binary's slices too");
+  command.add_option("--keep", line.keep, "keep what is drawn in this folder")
+      ->check(CLI::ExistingDirectory);
   command.add_option("--real", line.real, "compare this program of the real runtime too");
 }
 
@@ -246,7 +249,8 @@ int main(int count, char** words) {
     if (*exploreCommand && line.search.minutes > 0 && exploreCommand->count("--count") == 0)
       line.search.count = 1000000000;
     if (*exploreCommand)
-      return explore::explore(makeBuilds(line.image, line.real), line.search, std::cout, std::cerr)
+      return explore::explore(makeBuilds(line.image, line.real), line.search, line.keep, std::cout,
+                              std::cerr)
                  ? 1
                  : 0;
     line.injecting.countGiven = injectCommand->count("--count") > 0;

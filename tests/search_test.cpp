@@ -258,7 +258,7 @@ TEST(Exploring, ShrinksAScenarioThatRunsDifferentlyOnTwoBuilds) {
   std::ostringstream progress;
   search::SearchOptions options;
   options.count = 10;
-  ASSERT_GT(explore::explore(builds, options, found, progress), 0u);
+  ASSERT_GT(explore::explore(builds, options, {}, found, progress), 0u);
   // What is left is a version and the start of a process. (With methods of one version alone it may
   // end by a message of another one before it differs: other findings.)
   const Lines lines = explore::split(found.str());
@@ -276,7 +276,7 @@ TEST(Exploring, FindsAProgramThatPrintsAnotherTrace) {
   std::ostringstream progress;
   search::SearchOptions options;
   options.count = 1;
-  EXPECT_EQ(explore::explore(builds, options, found, progress), 1u);
+  EXPECT_EQ(explore::explore(builds, options, {}, found, progress), 1u);
   EXPECT_NE(found.str().find("echo differs"), std::string::npos) << found.str();
 }
 

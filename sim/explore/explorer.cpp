@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <fstream>
+
 #include "sim/explore/playback.hpp"
 #include "sim/explore/real_runtime.hpp"
 #include "sim/search/child.hpp"
@@ -102,11 +104,13 @@ Lines linesOf(const std::vector<Build>& builds, std::uint64_t seed) {
   return outcome.messages.empty() ? Lines{} : split(outcome.messages.back());
 }
 
-search::Examined examine(const std::vector<Build>& builds, Builds& loaded, std::uint64_t seed) {
+search::Examined examine(const std::vector<Build>& builds, Builds& loaded,
+                         const std::filesystem::path& keep, std::uint64_t seed) {
   Lines lines;
   const Playback playback = drawAndPlay(loaded.first(), seed, lines, [&](const Lines& drawn) {
     return loaded.canPlay(drawn.back());
   });
+  if (!keep.empty()) std::ofstream(keep / (std::to_string(seed) + ".txt")) << joined(lines);
   auto violation = playback.violation;
   if (!violation) violation = loaded.compare(lines, playback.trace);
   if (!violation) return {std::nullopt, lines.size()};
@@ -117,10 +121,10 @@ search::Examined examine(const std::vector<Build>& builds, Builds& loaded, std::
 }  // namespace
 
 std::size_t explore(const std::vector<Build>& builds, const search::SearchOptions& options,
-                    std::ostream& out, std::ostream& progress) {
-  const auto prepare = [&builds]() -> std::function<search::Examined(std::uint64_t)> {
+                    const std::filesystem::path& keep, std::ostream& out, std::ostream& progress) {
+  const auto prepare = [&]() -> std::function<search::Examined(std::uint64_t)> {
     auto loaded = std::make_shared<Builds>(builds);
-    return [&builds, loaded](std::uint64_t seed) { return examine(builds, *loaded, seed); };
+    return [&, loaded](std::uint64_t seed) { return examine(builds, *loaded, keep, seed); };
   };
   const auto ended = [&builds](std::uint64_t seed, const std::string& how) {
     return report(builds, seed, linesOf(builds, seed), died(how));

@@ -1,6 +1,7 @@
 // Searches for scenarios that break an invariant. Stands in for many phones in many hands; leaves
 // out what cannot be said in the scenario language.
 #pragma once
+#include <filesystem>
 #include <functional>
 #include <memory>
 
@@ -18,8 +19,9 @@ struct Build {
 };
 
 // Draws a scenario from each number and plays it. A finding is a scenario shrunk to the shortest
-// that still shows it, with what is wrong as a comment.
+// that still shows it, with what is wrong as a comment. All that are drawn are kept as NUMBER.txt
+// in the folder `keep`, if one is named.
 std::size_t explore(const std::vector<Build>& builds, const search::SearchOptions& options,
-                    std::ostream& out, std::ostream& progress);
+                    const std::filesystem::path& keep, std::ostream& out, std::ostream& progress);
 
 }  // namespace sim::explore
