@@ -1,0 +1,80 @@
+// One row explained: a sentence, the hook that decided and what it looked at, and every call behind it.
+import { byId, el, fill, onPress } from "./dom.js";
+import { explainQuestion, explainRow } from "./explain.js";
+import { isLive, model, moveTo, play } from "./model.js";
+import { kOutcomes } from "./rows.js";
+import { appName, clock } from "./words.js";
+
+let shown = null;
+
+// The outermost row that this one happened inside of: the hook, delivery or timer that decided.
+function rootOf(rows, index) {
+  while (rows[index].parent >= 0) index = rows[index].parent;
+  return index;
+}
+
+function inside(rows, root) {
+  const depth = new Map([[root, 0]]);
+  const found = [];
+  for (let at = root; at < rows.length; ++at) {
+    if (at !== root && !depth.has(rows[at].parent)) continue;
+    if (at !== root) depth.set(at, depth.get(rows[at].parent) + 1);
+    found.push([at, depth.get(at)]);
+  }
+  return found;
+}
+
+const kDecided = { hook: "Decided where the library took this call", delivered: "Decided when this signal was heard",
+  timer: "Decided by this timer", callback: "Decided in code of the library that the system calls" };
+
+function decision(rows, index, state) {
+  const root = rootOf(rows, index);
+  const behind = inside(rows, root);
+  const asked = new Map();
+  for (const [at] of behind) {
+    const question = explainQuestion(rows[at], state);
+    if (question && !asked.has(question[0])) asked.set(question[0], question[1]);
+  }
+  return [
+    kDecided[rows[root].kind] && el("p", {}, kDecided[rows[root].kind], ": ", el("code", {}, rows[root].call)),
+    asked.size > 0 && el("dl", {}, [...asked].map(([question, answer]) => el("div", {}, el("dt", {}, question), el("dd", {}, answer)))),
+    el("details", { "data-key": "calls" }, el("summary", {}, `Every call behind it (${behind.length})`),
+      el("ol", { class: "calls" }, behind.slice(0, 400).map(([at, depth]) =>
+        el("li", { class: (at === index ? "here " : "") + rows[at].kind + " deep-" + Math.min(depth, 8) }, el("code", {}, rows[at].call || rows[at].kind),
+          rows[at].answer != null && el("span", { class: "answer" }, " = " + rows[at].answer))),
+        behind.length > 400 && el("li", {}, `… and ${behind.length - 400} more`))),
+  ];
+}
+
+export function explain(item) {
+  shown = item;
+  const row = item.step.rows[item.index];
+  fill(byId("detail"),
+    el("h3", {}, row ? explainRow(row, item.step.state) : item.text),
+    el("p", { class: "facts" }, el("b", { class: "tag " + item.outcome }, kOutcomes[item.outcome]), row && " in " + appName(row.process, item.step.state),
+      ` at ${clock(item.time)}, line ${item.step.step + 1} of the scenario`),
+    el("code", { class: "call" }, item.call),
+    el("p", { class: "pair" }, row?.kind === "effect" && isLive() && el("button", { type: "button", "data-row": "expect" }, "Expect this"),
+      el("button", { type: "button", "data-row": "go" }, "Go to this moment")),
+    row && decision(item.step.rows, item.index, item.step.state));
+}
+
+// An expectation of this row, behind its command: in the order of what came, as expectations are found.
+function expectShown() {
+  const rows = shown.step.rows;
+  const lines = [...model.lines];
+  let at = shown.step.step + 1;
+  for (; at < lines.length; ++at) {
+    const before = /^\s*expect(?:-in \S+)? (.*)$/.exec(lines[at]);
+    if (!before) break;
+    if (rows.findIndex((row) => row.kind === "effect" && row.call === before[1].trim()) > shown.index) break;
+  }
+  lines.splice(at, 0, "expect " + rows[shown.index].call);
+  play(lines, model.cursor + (at <= model.cursor ? 1 : 0));
+}
+
+export function startDetail() {
+  fill(byId("detail"), el("h3", {}, "Choose a row to have it explained"),
+    el("p", { class: "faint" }, "You will see what it means, which settings decided it, and every call behind it."));
+  onPress(byId("detail"), "row", (what) => (what === "expect" ? expectShown() : moveTo(shown.step.step + 1)));
+}

@@ -1,0 +1,56 @@
+// Building and updating the document. Texts become text nodes: nothing of a scenario or of a trace is
+// ever read as HTML. What can be pressed says so in data attributes, and one listener a region acts.
+
+const kDrawn = new Set(["svg", "path", "circle", "rect", "g"]);
+
+export const byId = (id) => document.getElementById(id);
+
+// An element with attributes (false and null: left out; true: empty) and children (texts, elements,
+// arrays of them; false and null: left out).
+export function el(tag, attributes = {}, ...children) {
+  const node = kDrawn.has(tag) ? document.createElementNS("http://www.w3.org/2000/svg", tag)
+                               : document.createElement(tag);
+  for (const [name, value] of Object.entries(attributes))
+    if (value !== false && value != null) node.setAttribute(name, value === true ? "" : value);
+  node.append(...children.flat(Infinity).filter((child) => child !== false && child != null));
+  return node;
+}
+
+// A button that plays scenario lines. `why` says what it waits for, if it cannot be pressed now.
+export function action(label, lines, why, attributes = {}) {
+  return el("button", { type: "button", "data-do": lines, disabled: Boolean(why), title: why || lines, ...attributes }, label);
+}
+
+function keepAttributes(now, wanted) {
+  for (const { name } of [...now.attributes]) if (!wanted.hasAttribute(name)) now.removeAttribute(name);
+  for (const { name, value } of [...wanted.attributes])
+    if (now.getAttribute(name) !== value) now.setAttribute(name, value);
+  if (now.tagName === "INPUT") now.checked = wanted.checked;
+  if (now.tagName === "SELECT" && now.value !== wanted.value) now.value = wanted.value;
+}
+
+// Makes `host` hold exactly these nodes, changing as little as possible: what stays keeps its focus
+// and its selection.
+export function fill(host, ...nodes) {
+  const wanted = nodes.flat(Infinity).filter((node) => node !== false && node != null)
+    .map((node) => (node instanceof Node ? node : new Text(node)));
+  wanted.forEach((node, at) => {
+    const now = host.childNodes[at];
+    if (!now) host.append(node);
+    else if (now.nodeName !== node.nodeName || now.dataset?.key !== node.dataset?.key) now.replaceWith(node);
+    else if (now.nodeType === Node.TEXT_NODE) { if (now.data !== node.data) now.data = node.data; }
+    else { fill(now, ...node.childNodes); keepAttributes(now, node); }
+  });
+  while (host.childNodes.length > wanted.length) host.lastChild.remove();
+}
+
+// Calls `act` with what the data attribute says of the button that is pressed inside of `host`.
+export function onPress(host, attribute, act) {
+  host.addEventListener("click", (event) => {
+    const pressed = event.target.closest(`[data-${attribute}]`);
+    if (pressed && !pressed.disabled) act(pressed.dataset[attribute], pressed, event);
+  });
+}
+
+// Says something to everyone, also to a screen reader.
+export function say(text) { byId("said").textContent = text; }

@@ -1,0 +1,154 @@
+// Rows in the words of somebody who uses the phone: tables of patterns and sentences. The first that
+// fits counts. $1 is what the pattern caught; {$1} the name of the app that it caught.
+import { appName, kSettingNames, kSignals, playControl } from "./words.js";
+
+const kCommandWords = [
+  [/^boot$/, "The phone starts, and with it its home screen."],
+  [/^start (\S+)$/, "{$1} is started."],
+  [/^end (\S+)$/, "{$1} is ended."],
+  [/^daemon (\S+)$/, "The background service $1 starts."],
+  [/^open (\S+) foreground$/, "The system opens {$1}."],
+  [/^open (\S+) suspended$/, "The system starts {$1} in the background."],
+  [/^tap-title$/, "The title on the media controls is tapped."],
+  [/^tap-icon (\S+)$/, "The icon of {$1} is tapped."],
+  [/^remote 0$/, "An accessory says: play."],
+  [/^remote 1$/, "An accessory says: pause."],
+  [/^remote 2$/, "An accessory's play button is pressed."],
+  [/^remote (\d+)$/, "An accessory sends command $1."],
+  [/^remote [02] in (\S+)/, "Play is pressed inside of {$1}."],
+  [/^remote (\d+) in (\S+)/, "{$2} sends media command $1."],
+  [/^watch 0$/, "Play is pressed on the watch."],
+  [/^watch/, "A button is pressed on the watch."],
+  [/^headphones in/, "Headphones are plugged in."],
+  [/^headphones out/, "Headphones are pulled out."],
+  [/^unlock$/, "The phone is unlocked."],
+  [/^passcode yes/, "The passcode entry is shown."],
+  [/^passcode no/, "The passcode entry goes away."],
+  [/^display-off$/, "The display goes off."],
+  [/^drag-lock-screen$/, "A finger drags the lock screen."],
+  [/^quit-card (\S+)$/, "The card of {$1} is thrown out of the app switcher."],
+  [/^now-playing yes$/, "The system hears that something plays."],
+  [/^now-playing nil$/, "The system hears that nothing plays."],
+  [/^title-view show \S+ "(.*)"$/, "The system wants “$1” as the title."],
+  [/^title-view new/, "The media controls appear."],
+  [/^widget (\S+)/, "The open button of the widget $1 is pressed."],
+  [/^press (\d+)$/, "Button $1 of the alert is pressed."],
+  [/^settings open$/, "The page in the Settings app is opened."],
+  [/^settings close$/, "The Settings app is left."],
+  [/^settings set "(.*)" (yes|no)$/, "The switch “$1” is moved."],
+  [/^settings choose "(.*)" (\S+)$/, "{$2} is chosen as “$1”."],
+  [/^settings/, "A button of the settings page is pressed."],
+  [/^advance (\S+)$/, "$1 seconds pass."],
+  [/^locked yes$/, "The phone is locked."],
+  [/^announce$/, "Everybody is told that the settings changed."],
+  [/^crash/, "Something goes wrong on purpose."],
+];
+
+const kCallWords = [
+  [/^crash: (.*)/, "This process crashed: $1"],
+  [/launchApplicationWithIdentifier:"(.*?)" suspended:YES/, "{$1} is started in the background."],
+  [/launchApplicationWithIdentifier:"(.*?)" suspended:NO/, "{$1} is opened."],
+  [/^-\[SBApplication\((.*?)\) processDidLaunch:/, "The home screen notices that {$1} has started."],
+  [/^-\[SBApplication\((.*?)\) resumeForContentAvailable/, "{$1} is nudged so that it goes on in the background."],
+  [/^-\[FBScene\((.*?)\) .*backgrounded NO/, "{$1} is kept awake as if it were in front."],
+  [/^-\[FBScene\((.*?)\) .*backgrounded YES/, "{$1} goes back to being in the background."],
+  [/^-\[SpringBoard openURL:"prefs:/, "The settings page is opened."],
+  [/openURL:"(.*?)"/, "The address $1 is opened."],
+  [/transportControlsView:.* tapOnControlType:(\d+)/, "A tap on the media controls (control $1)."],
+  [/mediaControlsTitlesViewWasTapped/, "A tap on the now-playing title."],
+  [/_launchIcon/, "An icon on the home screen starts its app."],
+  [/setNowPlayingInfo:nil/, "The home screen learns that nothing plays."],
+  [/setNowPlayingInfo:/, "The home screen learns what plays now."],
+  [/^-\[SBMediaController play\]/, "What is loaded goes on playing."],
+  [/^MRMediaRemoteSendCommand\((0|2),/, "A play command goes to the system's media service."],
+  [/^MRMediaRemoteSendCommand\((\d+)/, "Media command $1 goes to the system's media service."],
+  [/^-\[SPTPlayer setPaused:NO\]|^-\[MTPlayer play\]/, "The player is told to play."],
+  [/^-\[SPTPlayer setPaused:YES\]/, "The player is told to pause."],
+  [/^-\[StateController saveState\]/, "Spotify saves its state."],
+  [/SPTNowPlayingPlaybackController init/, "Spotify makes its player."],
+  [/FinishLaunching|willFinishLaunching/, "The app finishes starting."],
+  [/setPasscodeLockVisible:YES .*withUnlockSource/, "The passcode is asked for: the player opens after the unlock."],
+  [/setPasscodeLockVisible:/, "The passcode entry is shown or hidden."],
+  [/dismissAnimated/, "Control Center is closed."],
+  [/turnOnScreenFully/, "The screen is turned on."],
+  [/resetLockScreenIdleTimer/, "The screen stays on a little longer."],
+  [/finishUIUnlockFromSource/, "The unlock is finished."],
+  [/_handleDisplayTurnedOff/, "The lock screen notices that the display went off."],
+  [/touchesShouldCancelInContentView/, "The lock screen asks whether a drag begins."],
+  [/_quitAppAtIndex|removeDisplayItem|SBAppSwitcherModel remove:/, "The card leaves the app switcher."],
+  [/updateNowPlayingAppDisplayName:"(.*)"/, "The title now shows “$1”."],
+  [/MPUMediaControlsTitlesView (init|dealloc)/, "A now-playing title comes or goes."],
+  [/^-\[UIAlertView show\] \S+ "((?:[^"\\]|\\.){0,60})/, "An alert is shown: “$1…”"],
+  [/requestAccessToAccounts/, "The user is asked for access to the Twitter accounts."],
+  [/^-\[SLRequest perform.* as "(.*)"/, "The account $1 follows the developer."],
+  [/^AudioServicesPlaySystemSound/, "A sound tells that the request was taken."],
+  [/^system\("killall -9 Music"\)/, "Music is ended."],
+  [/^system\("killall.*iapd/, "The accessory services are restarted, so that they load the library too."],
+  [/initWithContentsOfFile/, "The settings file is read."],
+  [/writeToFile/, "The settings file is written."],
+  [/scheduledTimerWithTimeInterval:(\S+) repeats:YES/, "From now on something is looked at every $1 seconds."],
+  [/scheduledTimerWithTimeInterval:(\S+)/, "Something will be looked at in $1 seconds."],
+  [/^-\[NSTimer invalidate\]/, "That repeated look comes to its end."],
+  [/^MSHook\w+\((.*)\)/, "The library attaches itself to $1."],
+  [/^CFNotificationCenterAddObserver\(darwin, "(.*)"\)/, "From now on it listens for “[$1]”."],
+  [/HeadphoneJackIsConnected/, "From now on it listens for the headphone jack."],
+  [/SBAppSuggestionManager init/, "The system is kept from suggesting an app of its own."],
+  [/SpringBoard init|applicationDidFinishLaunching/, "The home screen comes up."],
+  [/action_OpenApp|action_openapp|openNowPlayingApp|activateApplicationWith/, "A widget opens the app that plays."],
+  [/didReceiveCommand:0/, "Play was pressed on the watch."],
+  [/didReceiveCommand:/, "A button was pressed on the watch."],
+];
+
+const kQuestions = [
+  [/SBMediaController hasTrack/, "Is anything loaded?"], [/isPlaying/, "Does anything play?"],
+  [/isUILocked/, "Is the phone locked?"], [/SBApplication\((.*)\) isRunning/, "Does {$1} run already?"],
+  [/screenIsO(n|ff)/, "Is the screen o$1?"], [/inCall|anyCallIsHosted/, "Is there a phone call?"],
+  [/NSArray containsObject:"(.*)"/, "Does AppList list {$1}?"],
+  [/attributeForKey:"AVSystemController_HeadphoneJack/, "Are headphones plugged in?"],
+  [/nowPlayingApplication/, "Whose track is it?"], [/canOpenURL/, "Can that address be opened?"],
+];
+
+function fitting(table, text, state) {
+  for (const [pattern, words] of table) {
+    const found = pattern.exec(text);
+    if (!found) continue;
+    return words.replace(/\{\$(\d)\}/g, (_, at) => (found[at] === "none" ? "No app" : appName(found[at], state)))
+      .replace(/\[\$(\d)\]/g, (_, at) => kSignals.get(found[at]) ?? found[at])
+      .replace(/\$(\d)/g, (_, at) => found[at]);
+  }
+  return null;
+}
+
+export function explainCommand(line, state) {
+  const tap = /^tap-transport (\d+)$/.exec(line);
+  if (tap) return +tap[1] === playControl(state.version) ? "Play is pressed on the media controls." : "A media control other than Play is pressed.";
+  return fitting(kCommandWords, line, state) ?? line;
+}
+
+// What one row means. Always a sentence, if need be a general one.
+export function explainRow(row, state) {
+  const process = appName(row.process, state);
+  if (row.kind === "started") return `${process} starts, and the library is loaded into it.`;
+  if (row.kind === "ended") return `${process} ends.`;
+  if (row.kind === "timer") return `A moment that ${process} waited for has come.`;
+  if (row.kind === "delivered") return `${process} hears: “${kSignals.get(row.call) ?? row.call}”.`;
+  const post = /^notify_post\("(.*)"\)/.exec(row.call);
+  if (post) return `${process} tells everybody: “${kSignals.get(post[1]) ?? post[1]}”.`;
+  const plain = fitting(kCallWords, row.call, state);
+  if (row.kind === "hook") return (plain ?? "A call arrives.") + " The library takes it over: the system's own answer is left out.";
+  if (plain) return plain;
+  return row.by === "passed" ? "The library looks at this call and passes it on." : "The phone is asked for this.";
+}
+
+// What a call asks and what it was told: [question, answer], or null for a call of no interest.
+export function explainQuestion(row, state) {
+  const setting = /objectForKey(?:edSubscript)?:"(.*)"\]/.exec(row.call);
+  if (setting) {
+    const name = kSettingNames.get(setting[1]);
+    if (!name) return null;
+    const text = /^"(.*)"$/.exec(row.answer ?? "");
+    return ["Setting “" + name + "”", text ? appName(text[1], state) : { YES: "on", 1: "on", NO: "off", 0: "off" }[row.answer] ?? "not set"];
+  }
+  const question = row.answer != null && fitting(kQuestions, row.call, state);
+  return question ? [question, { YES: "yes", NO: "no" }[row.answer] ?? row.answer] : null;
+}

@@ -1,0 +1,142 @@
+// The phone: a picture of the state, made of buttons that play the lines a finger would.
+import { action, byId, el, fill, onPress } from "./dom.js";
+import { act, isLive, model, onChange, shownState } from "./model.js";
+import { appName, hueOf, kSettingsApp, letters, playControl } from "./words.js";
+
+let over = null;       // "cards" or "controls": what lies over the screen, of the page's own doing
+let chooserOpen = null;  // the label of the list of apps that a finger has opened
+
+const kLooking = "a recording can only be looked at";
+const reason = (...reasons) => (isLive() ? reasons.find(Boolean) : kLooking);
+const icon = (id, name) => el("span", { class: "icon " + hueOf(id), "aria-hidden": "true" }, letters(name));
+const own = (label, ui, attributes = {}) => el("button", { type: "button", "data-ui": ui, ...attributes }, label);
+const glyph = (path) => el("svg", { viewBox: "0 0 24 24", "aria-hidden": "true" }, el("path", { d: path }));
+
+const kPlay = "M8 5v14l11-7z", kPause = "M7 5h4v14H7zM13 5h4v14h-4z";
+const kNext = "M5 5v14l9-7zM16 5h3v14h-3z", kBack = "M19 5v14l-9-7zM5 5h3v14H5z";
+
+function mediaControls(state) {
+  const title = state.titles.at(-1)?.text || (state.track ? appName(state.track.app, state) : "");
+  const playing = state.track?.playing;
+  const control = playControl(state.version);
+  const button = (label, number, path, kind) =>
+    action(glyph(path), "tap-transport " + number, reason(), { "aria-label": label, class: "round " + kind });
+  return el("section", { class: "media", "aria-label": "Media controls" },
+    action([el("b", {}, title || "Nothing loaded"), el("small", {}, !state.track ? "nothing is loaded" : playing ? "playing" : "paused")],
+      "tap-title", reason(), { class: "title" }),
+    el("div", { class: "transport" }, button("Previous", 1, kBack, "small"),
+      button(playing ? "Pause" : "Play", control, playing ? kPause : kPlay, "big"), button("Next", 5, kNext, "small")));
+}
+
+const virtualClock = () => el("p", { class: "virtual-clock big-clock" }, byId("clock").textContent);
+
+function lockScreen(state) {
+  if (state.passcode) {
+    return el("div", { class: "lock passcode", "data-key": "passcode" }, el("h3", {}, "Passcode"),
+      el("p", { class: "dots", "aria-hidden": "true" }, "● ● ● ○"),
+      action("Enter it", "unlock", reason(), { class: "main" }), action("Cancel", "passcode no yes no", reason()));
+  }
+  return el("div", { class: "lock", "data-key": "lock" }, virtualClock(), el("p", { class: "faint" }, "Locked"), mediaControls(state),
+    el("div", { class: "pair" }, action("Unlock", "unlock", reason(), { class: "main" }),
+      action("Ask for passcode", "passcode yes yes no", reason()), action("Drag", "drag-lock-screen", reason())));
+}
+
+function homeScreen(state) {
+  const one = (id, name, lines, badge) => el("li", {}, action([icon(id, name), el("span", {}, name), badge && el("span", { class: "badge" }, badge)], lines, reason()));
+  return el("div", { class: "home", "data-key": "home" }, el("ul", { class: "icons" },
+    state.apps.map((app) => one(app.id, app.name, "tap-icon " + app.id, app.running || app.live ? "running" : null)),
+    one(kSettingsApp, "Settings", "settings open", null)));
+}
+
+function appScreen(state) {
+  const id = state.front;
+  const name = appName(id, state);
+  const live = state.processes.some((process) => process.id === id);
+  const track = state.track?.app === id ? (state.track.playing ? "plays" : "is paused") : "is silent";
+  return el("div", { class: "app " + hueOf(id), "data-key": "app " + id }, icon(id, name), el("h3", {}, name), el("p", {}, name + " " + track + "."),
+    action("Press Play in here", "remote 2 in " + id, reason(!live && name + " has no process of its own here"), { class: "main" }));
+}
+
+function settingsRow(state, row) {
+  const label = el("span", {}, row.label);
+  const why = reason(!row.enabled && "greyed: another switch has to be on first");
+  if (row.kind === "switch")
+    return action([label, el("span", { class: "switch" })], `settings set "${row.label}" ${row.value ? "no" : "yes"}`, why,
+      { role: "switch", "aria-checked": String(Boolean(row.value)) });
+  if (row.kind === "button") return action(label, "settings reset", why, { class: "danger" });
+  if (row.kind === "app") return el("p", { class: "listed" }, label, row.checked && " ✓");
+  const shown = own([label, el("span", { class: "value" }, row.value || "None", " ›")], "choose " + row.label,
+    { disabled: Boolean(why), title: why, "aria-expanded": String(chooserOpen === row.label) });
+  if (chooserOpen !== row.label) return shown;
+  const choices = [["none", "None"], ...state.apps.filter((app) => app.listed).map((app) => [app.id, app.name])];
+  return [shown, el("div", { class: "choices" }, choices.map(([id, name]) =>
+    action([name, name === row.value && " ✓"], `settings choose "${row.label}" ${id}`, why)))];
+}
+
+function settingsScreen(state) {
+  const page = state.settings;
+  return el("div", { class: "settings", "data-key": "settings" },
+    el("header", {}, el("h3", {}, page.title), page.button && action(page.button, "settings help", reason())),
+    page.groups.map((group) => el("section", {}, group.title && el("h4", {}, group.title),
+      el("div", { class: "rows" }, group.rows.map((row) => settingsRow(state, row))),
+      group.footer && el("p", { class: "footer" }, group.footer))));
+}
+
+function cards(state) {
+  const shown = state.apps.filter((app) => app.running || app.live);
+  const away = (app) => `quit-card ${app.id}\n` + (app.live ? "end " + app.id : `running ${app.id} no`);
+  return el("div", { class: "over", "data-key": "cards" }, el("h3", {}, "App switcher"), shown.length === 0 && el("p", {}, "No app is running."),
+    el("ul", { class: "cards" }, shown.map((app) => el("li", { class: hueOf(app.id) },
+      action([icon(app.id, app.name), app.name], `open ${app.id} foreground`, reason(state.locked && "the phone is locked")),
+      action("×", away(app), reason(), { "aria-label": "Throw out " + app.name })))), own("Back", "none"));
+}
+
+function alert(state) {
+  const top = state.alerts.at(-1);
+  if (!top) return null;
+  const elsewhere = top.process !== "com.apple.springboard" && "the next touch of the settings page closes it";
+  return el("div", { class: "veil", "data-key": "alert" }, el("div", { class: "alert", role: "alertdialog", "aria-modal": "false", "aria-label": top.title || "Alert" },
+    el("div", { class: "message", tabindex: "0" }, top.title && el("h3", {}, top.title), el("p", {}, top.message)),
+    el("div", { class: "answers" }, top.buttons.map((text, at) => action(text, "press " + at, reason(elsewhere), { class: at ? "" : "main" }))),
+    state.alerts.length > 1 && el("p", { class: "faint" }, `${state.alerts.length - 1} more below`)));
+}
+
+function screen(state) {
+  if (!state.springBoard)
+    return el("div", { class: "off", "data-key": "off" }, el("p", {}, "The phone is off"), action("Switch on", "boot", reason(), { class: "main" }));
+  if (!state.screenOn) return el("div", { class: "off", "data-key": "dark" }, action("Wake", "screen on", reason(), { class: "main" }));
+  if (over === "cards") return cards(state);
+  if (over === "controls") return el("div", { class: "over", "data-key": "controls" }, el("h3", {}, "Control Center"), mediaControls(state), own("Back", "none"));
+  if (state.locked) return lockScreen(state);
+  if (state.settings && (state.front === kSettingsApp || !state.front)) return settingsScreen(state);
+  return state.front ? appScreen(state) : homeScreen(state);
+}
+
+function draw() {
+  const state = shownState();
+  if (!state.springBoard || !state.screenOn || state.passcode) over = null;
+  fill(byId("screen"), screen(state), state.springBoard && state.screenOn && alert(state));
+  fill(byId("status"), el("span", {}, state.springBoard ? (state.locked ? "locked" : "unlocked") : "off"),
+    el("span", { class: "virtual-clock" }, byId("clock").textContent),
+    el("span", {}, [state.inCall && "call", state.headphones && "headphones", state.network ? "online" : "offline"].filter(Boolean).join(" · ")));
+  const off = !state.springBoard && "the phone is off";
+  const dark = !state.screenOn && "the display is off";
+  const atHome = !state.locked && !state.front && !state.settings && "this is the home screen";
+  fill(byId("keys"),
+    action("Home", state.settings && state.front === kSettingsApp ? "settings close" : "front none",
+      reason(off, dark, state.locked && "the phone is locked", atHome)),
+    own("Cards", "cards", { disabled: Boolean(off || dark), title: off || dark || "the app switcher", "aria-pressed": String(over === "cards") }),
+    own("Controls", "controls", { disabled: Boolean(off || dark), title: off || dark || "Control Center", "aria-pressed": String(over === "controls") }),
+    state.screenOn ? action("Lock", state.locked ? "display-off" : "locked yes\ndisplay-off", reason(off), { title: "lock, and display off" })
+                   : action("Wake", "screen on", reason(off)));
+}
+
+export function startPhone() {
+  onPress(byId("phone"), "do", (lines) => { if (!lines.startsWith("quit-card")) over = lines.startsWith("tap-t") ? over : null; chooserOpen = null; act(lines); });
+  onPress(byId("phone"), "ui", (ui) => {
+    if (ui.startsWith("choose ")) chooserOpen = chooserOpen === ui.slice(7) ? null : ui.slice(7);
+    else over = over === ui || ui === "none" ? null : ui;
+    draw();
+  });
+  onChange(draw);
+}
