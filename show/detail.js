@@ -27,17 +27,21 @@ function inside(rows, root) {
 const kDecided = { hook: "Decided where the library took this call", delivered: "Decided when this signal was heard",
   timer: "Decided by this timer", callback: "Decided in code of the library that the system calls" };
 
-function decision(rows, index, state) {
+// What was looked at before that, and what it was: each question once.
+function answers(rows, index, state) {
+  const asked = new Map();
+  for (const [at] of inside(rows, rootOf(rows, index))) {
+    const question = explainQuestion(rows[at], state);
+    if (question && !asked.has(question[0])) asked.set(...question);
+  }
+  return asked.size > 0 && el("dl", {}, [...asked].map(([question, answer]) => el("div", {}, el("dt", {}, question), el("dd", {}, answer))));
+}
+
+function decision(rows, index) {
   const root = rootOf(rows, index);
   const behind = inside(rows, root);
-  const asked = new Map();
-  for (const [at] of behind) {
-    const question = explainQuestion(rows[at], state);
-    if (question && !asked.has(question[0])) asked.set(question[0], question[1]);
-  }
   return [
     kDecided[rows[root].kind] && el("p", {}, kDecided[rows[root].kind], ": ", el("code", {}, rows[root].call)),
-    asked.size > 0 && el("dl", {}, [...asked].map(([question, answer]) => el("div", {}, el("dt", {}, question), el("dd", {}, answer)))),
     el("details", { "data-key": "calls" }, el("summary", {}, `Every call behind it (${behind.length})`),
       el("ol", { class: "calls" }, behind.slice(0, 400).map(([at, depth]) =>
         el("li", { class: (at === index ? "here " : "") + rows[at].kind + " deep-" + Math.min(depth, 8) }, el("code", {}, rows[at].call || rows[at].kind),
@@ -52,11 +56,12 @@ export function explain(item) {
   fill(byId("detail"),
     el("h3", {}, row ? explainRow(row, item.step.state) : item.text),
     el("p", { class: "facts" }, el("b", { class: "tag " + item.outcome }, kOutcomes[item.outcome]), row && " in " + appName(row.process, item.step.state),
-      ` at ${clock(item.time)}, line ${item.step.step + 1} of the scenario`),
+      ` at ${clock(item.time)}, line ${item.step.step + 1}`,
+      el("span", { class: "pair" }, row?.kind === "effect" && isLive() && el("button", { type: "button", "data-row": "expect" }, "Expect this"),
+        el("button", { type: "button", "data-row": "go" }, "Go there"))),
+    row && answers(item.step.rows, item.index, item.step.state),
     el("code", { class: "call" }, item.call),
-    el("p", { class: "pair" }, row?.kind === "effect" && isLive() && el("button", { type: "button", "data-row": "expect" }, "Expect this"),
-      el("button", { type: "button", "data-row": "go" }, "Go to this moment")),
-    row && decision(item.step.rows, item.index, item.step.state));
+    row && decision(item.step.rows, item.index));
 }
 
 // An expectation of this row, behind its command: in the order of what came, as expectations are found.

@@ -135,7 +135,7 @@ export function explainRow(row, state) {
   const post = /^notify_post\("(.*)"\)/.exec(row.call);
   if (post) return `${process} tells everybody: “${kSignals.get(post[1]) ?? post[1]}”.`;
   const plain = fitting(kCallWords, row.call, state);
-  if (row.kind === "hook") return (plain ?? "A call arrives.") + " The library takes it over: the system's own answer is left out.";
+  if (row.kind === "hook") return "The library answers in the system's place: " + (plain ?? "a call.").replace(/^[AT](?=n? |h)/, (first) => first.toLowerCase());
   if (plain) return plain;
   return row.by === "passed" ? "The library looks at this call and passes it on." : "The phone is asked for this.";
 }

@@ -19,20 +19,19 @@ export function createLanes(host, { label, chosen, unfold }) {
   const space = el("div", { class: "space", role: "presentation" });
   const box = el("div", { class: "record", role: "listbox", tabindex: "0", "aria-label": label }, space);
   fill(host, head, box);
-  const list = { record: [], lanes: [], arrows: [], at: -1, marked: -1, state: null, follow: true };
+  const list = { record: [], lanes: [], arrows: [], at: -1, marked: -1, state: null, pitch: 24 };
   const laneX = (process) => 14 + list.lanes.indexOf(process) * list.pitch;
   const middle = (at) => at * kRow + kRow / 2;
 
   function row(item, at) {
     const command = !item.process;
-    const text = item.folded ? `Starting up: ${item.folded} more — press to show` : item.text;
     return el("div", { id: `row-${number}-${at}`, class: `row ${item.outcome}${at === list.marked ? " differs" : ""}`, role: "option", "data-at": at,
         "aria-selected": String(at === list.at), "aria-posinset": at + 1, "aria-setsize": list.record.length },
       el("span", { class: "time" }, clock(item.time)),
       el("span", { class: "strip", "aria-hidden": "true" }),
       el("span", { class: "words" },
         el("span", { class: "what" }, el("b", { class: "tag" }, at === list.marked ? "first difference" : kOutcomes[item.outcome]),
-          !command && el("span", { class: "who" }, appName(item.process, list.state)), el("span", { class: "text" }, text)),
+          !command && el("span", { class: "who" }, appName(item.process, list.state)), el("span", { class: "text" }, item.text)),
         el("code", {}, item.folded ? "" : item.call)));
   }
 
@@ -85,20 +84,21 @@ export function createLanes(host, { label, chosen, unfold }) {
     if (!list.record[at]) return;
     if (list.record[at].folded) return unfold();
     list.at = at;
-    list.follow = at === list.record.length - 1;
     list.scrollTo(at);
     chosen(list.record[at], list);
   };
-  // Shows another record. The end stays in view if it was.
+  // Shows another record. If it ends elsewhere, the newest command and what it did come into view.
   list.show = (record, state) => {
     const item = list.record[list.at];
-    const grown = record.length !== list.record.length;
+    const newest = record.findLastIndex((one) => one.index < 0 && !one.folded);
+    const grown = record.at(-1)?.step !== list.record.at(-1)?.step;
+    space.style.height = record.length * kRow + "px";
     const lanes = lanesOf(record);
     Object.assign(list, { record, state, lanes, pitch: lanes.length > 8 ? 16 : 24, arrows: arrowsOf(record) });
     list.at = item ? record.findIndex((one) => one === item || (one.step === item.step && one.index === item.index)) : -1;
     drawHeads();
-    if (grown && list.follow && record.length) list.scrollTo(record.length - 1);
-    else draw();
+    if (grown) box.scrollTop = Math.max(0, newest) * kRow;
+    draw();
   };
 
   const kSteps = { ArrowDown: 1, ArrowUp: -1, PageDown: 10, PageUp: -10, End: Infinity, Home: -Infinity };
@@ -116,11 +116,10 @@ export function createLanes(host, { label, chosen, unfold }) {
   });
   let asked = false;
   box.addEventListener("scroll", () => {
-    list.follow = box.scrollTop + box.clientHeight > list.record.length * kRow - kRow;
     if (asked) return;
     asked = true;
     requestAnimationFrame(() => { asked = false; draw(); });
   });
-  new ResizeObserver(() => { if (list.follow && list.record.length) list.scrollTo(list.record.length - 1); else draw(); }).observe(box);
+  new ResizeObserver(draw).observe(box);
   return list;
 }

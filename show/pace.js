@@ -95,7 +95,7 @@ function draw() {
   able("timer", isLive() && atEnd() && nextTimer != null);
   able("undo", isLive() && canUndo());
   const pace = bar.querySelector('[data-time="pace"]');
-  pace.textContent = running ? "Pause" : "Play";
+  pace.textContent = running ? "Hold time" : "Let time pass";
   pace.setAttribute("aria-pressed", running);
   const slider = byId("moment");
   slider.max = model.lines.length;

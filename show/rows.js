@@ -33,11 +33,12 @@ function itemsOf(step, before) {
   if (known) return known;
   const items = [];
   const expectation = step.line.startsWith("expect");
+  const setUp = !before.springBoard && step.line !== "boot" && !step.error && !expectation;
   if (step.error || (step.line && !expectation) || step.holds === false) {
     const text = step.error ? "This could not be done: " + step.error
       : step.holds === false ? "Expected, but it was not so. What came: " + (step.instead?.join(" · ") || "nothing") : explainCommand(step.line, before);
     const answer = step.answer == null ? "" : step.answer ? " = YES" : " = NO";
-    items.push({ step, index: -1, process: "", time: before.time, outcome: step.error || expectation ? "failed" : "command", call: step.line + answer, text });
+    items.push({ step, index: -1, process: "", time: before.time, outcome: step.error || expectation ? "failed" : "command", call: step.line + answer, text, startUp: setUp });
   }
   step.rows.forEach((row, index) => {
     if (!isShown(row)) return;
@@ -60,9 +61,10 @@ export function recordOf(steps, count, filter) {
     for (const item of itemsOf(steps[at], steps[at - 1]?.state ?? kStartState)) {
       if (filter.folded && item.startUp) {
         const last = record.at(-1);
-        if (last?.folded && last.step === item.step && last.process === item.process) { ++last.folded; continue; }
+        if (last?.folded && last.process === item.process && (last.step === item.step || !item.process)) { ++last.folded; last.call += "\n" + item.call; continue; }
         if (!filter.outcome && !filter.text && matching(item, filter))
-          record.push({ ...item, text: "", folded: 1, outcome: "own" });
+          record.push({ ...item, folded: 1, outcome: item.process ? "own" : "command",
+            get text() { return `${item.process ? "Starting up" : "Setting up the phone"}: ${this.folded} ${item.process ? "rows" : "lines"}, press to show`; } });
       } else if (matching(item, filter)) record.push(item);
     }
   }
