@@ -5,12 +5,21 @@ import { isLive, model, moveTo, play } from "./model.js";
 import { kOutcomes } from "./rows.js";
 import { appName, clock } from "./words.js";
 
+const kDecided = { hook: "Decided where the library stands in for", delivered: "Decided when this signal was heard:",
+  timer: "Decided when a timer fired", callback: "Decided in code of the library that the system calls:" };
+
 let shown = null;
 
-// The outermost row that this one happened inside of: the hook, delivery or timer that decided.
+// What decided: the outermost hook, delivery or timer of the same process that this row happened
+// inside of; without any, whatever it happened inside of.
 function rootOf(rows, index) {
-  while (rows[index].parent >= 0) index = rows[index].parent;
-  return index;
+  let decided = -1;
+  let outermost = index;
+  for (let at = index; at >= 0; at = rows[at].parent) {
+    outermost = at;
+    if (rows[at].process === rows[index].process && rows[at].kind in kDecided) decided = at;
+  }
+  return decided < 0 ? outermost : decided;
 }
 
 function inside(rows, root) {
@@ -24,14 +33,13 @@ function inside(rows, root) {
   return found;
 }
 
-const kDecided = { hook: "Decided where the library took this call", delivered: "Decided when this signal was heard",
-  timer: "Decided by this timer", callback: "Decided in code of the library that the system calls" };
-
 // What was looked at before that, and what it was: each question once.
 function answers(rows, index, state) {
   const asked = new Map();
   for (const [at] of inside(rows, rootOf(rows, index))) {
-    const question = explainQuestion(rows[at], state);
+    // A number says what it is when it is asked next.
+    const number = rows[at].answer === "<NSNumber>" && rows.slice(at + 1, at + 12).find((row) => row.call.endsWith(" boolValue]"));
+    const question = explainQuestion(number ? { ...rows[at], answer: number.answer } : rows[at], state);
     if (question && !asked.has(question[0])) asked.set(...question);
   }
   return asked.size > 0 && el("dl", {}, [...asked].map(([question, answer]) => el("div", {}, el("dt", {}, question), el("dd", {}, answer))));
@@ -41,7 +49,7 @@ function decision(rows, index) {
   const root = rootOf(rows, index);
   const behind = inside(rows, root);
   return [
-    kDecided[rows[root].kind] && el("p", {}, kDecided[rows[root].kind], ": ", el("code", {}, rows[root].call)),
+    kDecided[rows[root].kind] && el("p", {}, kDecided[rows[root].kind], " ", el("code", {}, rows[root].call)),
     el("details", { "data-key": "calls" }, el("summary", {}, `Every call behind it (${behind.length})`),
       el("ol", { class: "calls" }, behind.slice(0, 400).map(([at, depth]) =>
         el("li", { class: (at === index ? "here " : "") + rows[at].kind + " deep-" + Math.min(depth, 8) }, el("code", {}, rows[at].call || rows[at].kind),

@@ -81,7 +81,7 @@ export function startSetUp() {
   const versions = byId("version");
   fill(versions, kVersions.map(([name, number]) => el("option", { value: number }, "iOS " + name)));
   versions.addEventListener("change", () => change(onVersion(model.lines, +versions.value)));
-  byId("set-up").addEventListener("toggle", draw);
+  byId("set-up").addEventListener("toggle", () => { draw(); if (byId("set-up").open) byId("set-up").scrollIntoView({ block: "start" }); });
   byId("form").addEventListener("submit", (event) => event.preventDefault());
   byId("form").addEventListener("change", ({ target }) => {
     if (target.id === "missing-class") {
