@@ -36,6 +36,7 @@ export function fill(host, ...nodes) {
     .map((node) => (node instanceof Node ? node : new Text(node)));
   wanted.forEach((node, at) => {
     const now = host.childNodes[at];
+    if (now === node) return;
     if (!now) host.append(node);
     else if (now.nodeName !== node.nodeName || now.dataset?.key !== node.dataset?.key) now.replaceWith(node);
     else if (now.nodeType === Node.TEXT_NODE) { if (now.data !== node.data) now.data = node.data; }

@@ -54,7 +54,7 @@ const kCallWords = [
   [/^-\[FBScene\((.*?)\) .*backgrounded YES/, "{$1} goes back to being in the background."],
   [/^-\[SpringBoard openURL:"prefs:/, "The settings page is opened."],
   [/openURL:"(.*?)"/, "The address $1 is opened."],
-  [/transportControlsView:.* tapOnControlType:(\d+)/, "A tap on the media controls (control $1)."],
+  [/transportControlsView:.* tapOnControlType:(\d+)/, "A tap on control $1 of the media controls."],
   [/mediaControlsTitlesViewWasTapped/, "A tap on the now-playing title."],
   [/_launchIcon/, "An icon on the home screen starts its app."],
   [/setNowPlayingInfo:nil/, "The home screen learns that nothing plays."],
@@ -149,6 +149,6 @@ export function explainQuestion(row, state) {
     const text = /^"(.*)"$/.exec(row.answer ?? "");
     return ["Setting “" + name + "”", text ? appName(text[1], state) : { YES: "on", 1: "on", NO: "off", 0: "off" }[row.answer] ?? "not set"];
   }
-  const question = row.answer != null && fitting(kQuestions, row.call, state);
+  const question = row.answer != null && /^[-+]\[/.test(row.call) && fitting(kQuestions, row.call, state);
   return question ? [question, { YES: "yes", NO: "no" }[row.answer] ?? row.answer] : null;
 }

@@ -23,7 +23,8 @@ let send = null;  // plays the lines: (play number, lines); null: what is shown 
 let playNumber = 0;
 const sent = new Map();  // by play number
 let held = [];           // the lines that the device has
-let drawing = false;
+let drawing = 0;         // the frame at which everything is drawn
+let drawingSoon = 0;     // the timer for that, while a play is under way
 let before = () => [];
 
 export const onChange = (listener) => listeners.push(listener);
@@ -34,9 +35,17 @@ export function connect(sender) { send = sender; }
 export function comesBefore(lines) { before = lines; }
 
 export function changed() {
-  if (drawing) return;
-  drawing = true;
-  requestAnimationFrame(() => { drawing = false; listeners.forEach((listener) => listener()); });
+  if (!drawing) drawing = requestAnimationFrame(draw);
+}
+function draw() {
+  cancelAnimationFrame(drawing);
+  clearTimeout(drawingSoon);
+  drawing = drawingSoon = 0;
+  listeners.forEach((listener) => listener());
+}
+// Not at each step of a play; its end is drawn at once.
+function changedWhilePlaying() {
+  if (!drawingSoon) drawingSoon = setTimeout(draw, 100);
 }
 
 export const shownSteps = () => Math.min(model.cursor, model.valid);
@@ -67,7 +76,7 @@ function start(lines, cursor) {
   sent.set(++playNumber, lines);
   countValid();
   send(playNumber, lines);
-  changed();
+  changedWhilePlaying();
 }
 
 // Another device plays what there is.
@@ -123,7 +132,8 @@ export function receive(said) {
     model.steps[said.step] = said;
   }
   countValid();
-  changed();
+  if (model.busy) changedWhilePlaying();
+  else draw();
 }
 
 // Shows what was recorded; nothing can be done with it but look.

@@ -32,7 +32,7 @@ const virtualClock = () => el("p", { class: "virtual-clock big-clock" }, byId("c
 
 function lockScreen(state) {
   if (state.passcode) {
-    return el("div", { class: "lock passcode", "data-key": "passcode" }, el("h3", {}, "Passcode"),
+    return el("div", { class: "lock passcode", "data-key": "passcode" }, el("h2", {}, "Passcode"),
       el("p", { class: "dots", "aria-hidden": "true" }, "● ● ● ○"),
       action("Enter it", "unlock", reason(), { class: "main" }), action("Cancel", "passcode no yes no", reason()));
   }
@@ -53,7 +53,7 @@ function appScreen(state) {
   const name = appName(id, state);
   const live = state.processes.some((process) => process.id === id);
   const track = state.track?.app === id ? (state.track.playing ? "plays" : "is paused") : "is silent";
-  return el("div", { class: "app " + hueOf(id), "data-key": "app " + id }, icon(id, name), el("h3", {}, name), el("p", {}, name + " " + track + "."),
+  return el("div", { class: "app " + hueOf(id), "data-key": "app " + id }, icon(id, name), el("h2", {}, name), el("p", {}, name + " " + track + "."),
     action("Press Play in here", "remote 2 in " + id, reason(!live && name + " has no process of its own here"), { class: "main" }));
 }
 
@@ -76,8 +76,8 @@ function settingsRow(state, row) {
 function settingsScreen(state) {
   const page = state.settings;
   return el("div", { class: "settings", "data-key": "settings" },
-    el("header", {}, el("h3", {}, page.title), page.button && action(page.button, "settings help", reason())),
-    page.groups.map((group) => el("section", {}, group.title && el("h4", {}, group.title),
+    el("header", {}, el("h2", {}, page.title), page.button && action(page.button, "settings help", reason())),
+    page.groups.map((group) => el("section", {}, group.title && el("h3", {}, group.title),
       el("div", { class: "rows" }, group.rows.map((row) => settingsRow(state, row))),
       group.footer && el("p", { class: "footer" }, group.footer))));
 }
@@ -85,7 +85,7 @@ function settingsScreen(state) {
 function cards(state) {
   const shown = state.apps.filter((app) => app.running || app.live);
   const away = (app) => `quit-card ${app.id}\n` + (app.live ? "end " + app.id : `running ${app.id} no`);
-  return el("div", { class: "over", "data-key": "cards" }, el("h3", {}, "App switcher"), shown.length === 0 && el("p", {}, "No app is running."),
+  return el("div", { class: "over", "data-key": "cards" }, el("h2", {}, "App switcher"), shown.length === 0 && el("p", {}, "No app is running."),
     el("ul", { class: "cards" }, shown.map((app) => el("li", { class: hueOf(app.id) },
       action([icon(app.id, app.name), app.name], `open ${app.id} foreground`, reason(state.locked && "the phone is locked")),
       action("×", away(app), reason(), { "aria-label": "Throw out " + app.name })))), own("Back", "none"));
@@ -96,7 +96,7 @@ function alert(state) {
   if (!top) return null;
   const elsewhere = top.process !== "com.apple.springboard" && "the next touch of the settings page closes it";
   return el("div", { class: "veil", "data-key": "alert" }, el("div", { class: "alert", role: "alertdialog", "aria-modal": "false", "aria-label": top.title || "Alert" },
-    el("div", { class: "message", tabindex: "0" }, top.title && el("h3", {}, top.title), el("p", {}, top.message)),
+    el("div", { class: "message", tabindex: "0" }, top.title && el("h2", {}, top.title), el("p", {}, top.message)),
     el("div", { class: "answers" }, top.buttons.map((text, at) => action(text, "press " + at, reason(elsewhere), { class: at ? "" : "main" }))),
     state.alerts.length > 1 && el("p", { class: "faint" }, `${state.alerts.length - 1} more below`)));
 }
@@ -106,7 +106,7 @@ function screen(state) {
     return el("div", { class: "off", "data-key": "off" }, el("p", {}, "The phone is off"), action("Switch on", "boot", reason(), { class: "main" }));
   if (!state.screenOn) return el("div", { class: "off", "data-key": "dark" }, action("Wake", "screen on", reason(), { class: "main" }));
   if (over === "cards") return cards(state);
-  if (over === "controls") return el("div", { class: "over", "data-key": "controls" }, el("h3", {}, "Control Center"), mediaControls(state), own("Back", "none"));
+  if (over === "controls") return el("div", { class: "over", "data-key": "controls" }, el("h2", {}, "Control Center"), mediaControls(state), own("Back", "none"));
   if (state.locked) return lockScreen(state);
   if (state.settings && (state.front === kSettingsApp || !state.front)) return settingsScreen(state);
   return state.front ? appScreen(state) : homeScreen(state);

@@ -64,7 +64,7 @@ export function recordOf(steps, count, filter) {
         if (last?.folded && last.process === item.process && (last.step === item.step || !item.process)) { ++last.folded; last.call += "\n" + item.call; continue; }
         if (!filter.outcome && !filter.text && matching(item, filter))
           record.push({ ...item, folded: 1, outcome: item.process ? "own" : "command",
-            get text() { return `${item.process ? "Starting up" : "Setting up the phone"}: ${this.folded} ${item.process ? "rows" : "lines"}, press to show`; } });
+            get text() { return `${item.process ? "Starting up" : "Setting up the phone"}: ${this.folded} ${item.process ? "row" : "line"}${this.folded === 1 ? "" : "s"}, press to show`; } });
       } else if (matching(item, filter)) record.push(item);
     }
   }
@@ -79,9 +79,9 @@ export function arrowsOf(record) {
   const arrows = [];
   const posted = new Map();
   record.forEach((item, at) => {
-    const name = /"(.+)"|“(.+)”/.exec(item.call);
-    if (item.outcome === "signal") posted.set(name?.[1], at);
-    else if (item.outcome === "arrives" && posted.has(name?.[2])) arrows.push([posted.get(name[2]), at]);
+    const name = () => /["“](.+)["”]/.exec(item.call)[1];
+    if (item.outcome === "signal") posted.set(name(), at);
+    else if (item.outcome === "arrives" && posted.has(name())) arrows.push([posted.get(name()), at]);
   });
   return arrows;
 }

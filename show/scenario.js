@@ -22,12 +22,14 @@ export async function openFile(folder, name) {
 
 // ---- Lines to look at
 
-function line(text, at, current) {
+function line(text, at, current, before) {
   const step = at < model.valid ? model.steps[at] : null;
   const mark = step?.error || step?.holds === false ? "✗" : step?.holds ? "✓" : at === current ? "▸" : "";
   const kind = (at >= model.cursor ? "later " : "") + (at === current ? "current " : "") + (mark === "✗" ? "bad " : "") + (/^\s*(#|$)/.test(text) ? "remark" : "");
   const note = step?.error ?? (step?.holds === false ? "does not hold; came: " + (step.instead?.[0] ?? "nothing") : null);
-  return el("li", { class: kind },
+  const key = [at, text, kind, mark, note].join();
+  if (before?.dataset.key === key) return before;
+  return el("li", { class: kind, "data-key": key },
     el("button", { type: "button", "data-line": at + 1, tabindex: at === current ? "0" : "-1", "aria-current": at === current ? "step" : null },
       el("span", { class: "number" }, at + 1), el("span", { class: "done" }, mark), el("code", {}, text || " ")),
     note && el("p", { class: "note" }, note));
@@ -43,7 +45,7 @@ function draw() {
   if (editing) return drawWrong();
   const list = byId("lines");
   const before = list.querySelector("[aria-current]");
-  fill(list, model.lines.map((text, at) => line(text, at, current)));
+  fill(list, model.lines.map((text, at) => line(text, at, current, list.children[at])));
   const now = list.querySelector("[aria-current]");
   if (now && now !== before) list.scrollTop = Math.max(0, now.offsetTop - list.clientHeight / 2);
   const failed = failedStep();
@@ -130,13 +132,6 @@ export function startScenario(told) {
   drawFiles();
   onPress(byId("scenario"), "file", (what) => kActions[what]());
   onPress(byId("lines"), "line", (cursor) => moveTo(+cursor));
-  byId("lines").addEventListener("keydown", (event) => {
-    const by = { ArrowDown: 1, ArrowUp: -1 }[event.key];
-    if (!by) return;
-    event.preventDefault();
-    moveTo(Math.max(1, model.cursor + by));
-    requestAnimationFrame(() => requestAnimationFrame(() => byId("lines").querySelector("[aria-current]")?.focus()));
-  });
   byId("open").addEventListener("change", (event) => {
     const [folder, ...path] = event.target.value.split(" ");
     event.target.value = "";
