@@ -44,8 +44,8 @@ class PlayedDevice {
   bool stopped_ = false;  // at the last line played, which could not be carried out
   std::ostringstream unseen_;
   scenario::Output output_{unseen_, scenario::Format::Text};
+  std::unique_ptr<Recorder> recorder_;  // outlives the device, whose end it records
   std::unique_ptr<scenario::Session> session_;
-  std::unique_ptr<Recorder> recorder_;
 };
 
 }  // namespace sim::show
