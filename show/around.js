@@ -27,7 +27,7 @@ function music(state, off) {
 
 const kWidgetLines = { Auxo: "widget Auxo com.apple.Music no-cell" };
 
-function draw() {
+function drawThings() {
   const state = shownState();
   const off = !state.springBoard && "the phone is off";
   const silent = state.apps.filter((app) => app.live && app.id !== kWatchApp && app.id !== state.front);
@@ -45,5 +45,5 @@ function draw() {
 
 export function startAround() {
   onPress(byId("around"), "do", (lines) => act(lines));
-  onChange(draw);
+  onChange(drawThings);
 }

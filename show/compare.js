@@ -15,7 +15,7 @@ let newest = null;
 // The other device: what it is, its lanes, its session, the lines that it has and what they did.
 let other = null;
 
-function unfold() { filter.folded = false; draw(); }
+function unfold() { filter.folded = false; drawRecord(); }
 
 function drawFilters(record) {
   const state = shownState();
@@ -43,7 +43,7 @@ function drawOther(record) {
   if (its >= 0) other.lanes.scrollTo(its, "middle");
 }
 
-function draw() {
+function drawRecord() {
   const record = recordOf(model.steps, shownSteps(), filter);
   drawFilters(record);
   if (!other) main.marked = -1;
@@ -70,7 +70,7 @@ function hear(said) {
   else if ("from" in said) other.steps.length = said.from;
   else if (said.done) other.busy = said.play !== other.number;
   else other.steps[said.step] = said;
-  draw();
+  drawRecord();
 }
 
 async function compareWith(choice, build) {
@@ -79,7 +79,7 @@ async function compareWith(choice, build) {
   byId("second").hidden = !choice;
   byId("happened").classList.toggle("two", Boolean(choice));
   fill(byId("difference"), "");
-  if (!choice) return draw();
+  if (!choice) return drawRecord();
   const version = choice.startsWith("v") ? +choice.slice(1) : null;
   const name = version ? "iOS " + kVersions.find(([, number]) => number === version)[0] : choice;
   other = { name, version, steps: [], lines: [], number: 0, busy: true, from: null, found: "", session: null,
@@ -87,7 +87,7 @@ async function compareWith(choice, build) {
   const asked = other;
   try {
     const session = await openSession(version ? build : choice, hear, say);
-    if (other === asked) { other.session = session; draw(); } else session.close();
+    if (other === asked) { other.session = session; drawRecord(); } else session.close();
   } catch (error) { say(error.message); }
 }
 
@@ -102,8 +102,8 @@ export function startRecord(builds, build) {
   byId("filters").addEventListener("input", () => {
     Object.assign(filter, { process: byId("by-process").value, outcome: byId("by-outcome").value,
       text: byId("by-text").value.trim().toLowerCase(), folded: byId("by-folded").checked });
-    draw();
+    drawRecord();
   });
   byId("filters").addEventListener("submit", (event) => event.preventDefault());
-  onChange(draw);
+  onChange(drawRecord);
 }

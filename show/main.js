@@ -34,7 +34,7 @@ async function useBuild(build) {
   waiting.forEach(([number, lines]) => session.play(number, lines));
 }
 
-function start(builds, files) {
+function startAll(builds, files) {
   startPhone();
   startAround();
   startDetail();
@@ -59,7 +59,7 @@ async function openAsked() {
 
 function showEmbedded(recording) {
   document.body.classList.add("recorded");
-  start([recording.build], null);
+  startAll([recording.build], null);
   fill(byId("edition"), "a recording, " + recording.build);
   showRecording(recording);
 }
@@ -68,7 +68,7 @@ async function showLive() {
   try {
     const told = await about();
     await useBuild(told.builds[0]);
-    start(told.builds, told);
+    startAll(told.builds, told);
     fill(byId("edition"), told.version);
     byId("build").addEventListener("change", async (event) => {
       try { await useBuild(event.target.value); replay(); } catch (error) { say(error.message); }

@@ -35,9 +35,9 @@ export function connect(sender) { send = sender; }
 export function comesBefore(lines) { before = lines; }
 
 export function changed() {
-  if (!drawing) drawing = requestAnimationFrame(draw);
+  if (!drawing) drawing = requestAnimationFrame(drawNow);
 }
-function draw() {
+function drawNow() {
   cancelAnimationFrame(drawing);
   clearTimeout(drawingSoon);
   drawing = drawingSoon = 0;
@@ -45,7 +45,7 @@ function draw() {
 }
 // Not at each step of a play; its end is drawn at once.
 function changedWhilePlaying() {
-  if (!drawingSoon) drawingSoon = setTimeout(draw, 100);
+  if (!drawingSoon) drawingSoon = setTimeout(drawNow, 100);
 }
 
 export const shownSteps = () => Math.min(model.cursor, model.valid);
@@ -68,10 +68,10 @@ export function play(lines, cursor = lines.length, remembered = true) {
   if (!send) return;
   if (remembered) past.push({ lines: model.lines, cursor: model.cursor, name: model.name });
   if (past.length > 200) past.shift();
-  start(lines, cursor);
+  playAnew(lines, cursor);
 }
 
-function start(lines, cursor) {
+function playAnew(lines, cursor) {
   Object.assign(model, { lines, cursor, busy: true, wrong: null });
   sent.set(++playNumber, lines);
   countValid();
@@ -83,14 +83,14 @@ function start(lines, cursor) {
 export function replay() {
   held = [];
   model.steps = [];
-  start(model.lines, model.cursor);
+  playAnew(model.lines, model.cursor);
 }
 
 export function undo() {
   const last = past.pop();
   if (!last) return;
   model.name = last.name;
-  start(last.lines, last.cursor);
+  playAnew(last.lines, last.cursor);
 }
 
 // Does something now: whatever came later is dropped, and so is a line that could not be carried out.
@@ -133,7 +133,7 @@ export function receive(said) {
   }
   countValid();
   if (model.busy) changedWhilePlaying();
-  else draw();
+  else drawNow();
 }
 
 // Shows what was recorded; nothing can be done with it but look.

@@ -69,15 +69,15 @@ function joinWaits() {
   if (lines.length !== model.lines.length) play(lines);
 }
 
-function start() {
+function run() {
   running = true;
   since = performance.now();
   if (atEnd() && !isLive()) moveTo(0);
   changed();
 }
 
-const kActions = {
-  pace: () => (running ? stop() : start()),
+const kTimeActions = {
+  pace: () => (running ? stop() : run()),
   back: () => { stop(); moveTo(model.cursor - 1); },
   step: () => { stop(); moveTo(model.cursor + 1); },
   timer: () => { const { time, nextTimer } = shownState(); wait(nextTimer - time); if (!running) firstWaited = -1; },
@@ -85,7 +85,7 @@ const kActions = {
   undo: () => { running = false; undo(); say("Undone."); },
 };
 
-function draw() {
+function drawTime() {
   const { nextTimer, time } = shownState();
   const bar = byId("time");
   const able = (name, can) => { bar.querySelector(`[data-time="${name}"]`).disabled = !can; };
@@ -113,7 +113,7 @@ function drawClocks() {
 
 export function startPace() {
   let seen = null;
-  onPress(byId("time"), "time", (name) => kActions[name]());
+  onPress(byId("time"), "time", (name) => kTimeActions[name]());
   byId("moment").addEventListener("input", (event) => { stop(); moveTo(+event.target.value); });
   comesBefore(() => {
     const micros = running ? passed() : 0;
@@ -124,7 +124,7 @@ export function startPace() {
   onChange(() => {
     const shown = model.steps[shownSteps() - 1];
     if (shown !== seen) { seen = shown; since = performance.now(); }
-    draw();
+    drawTime();
     tick();
   });
   drawClocks();

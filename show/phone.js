@@ -112,7 +112,7 @@ function screen(state) {
   return state.front ? appScreen(state) : homeScreen(state);
 }
 
-function draw() {
+function drawPhone() {
   const state = shownState();
   if (!state.springBoard || !state.screenOn || state.passcode) over = null;
   fill(byId("screen"), screen(state), state.springBoard && state.screenOn && alert(state));
@@ -136,7 +136,7 @@ export function startPhone() {
   onPress(byId("phone"), "ui", (ui) => {
     if (ui.startsWith("choose ")) chooserOpen = chooserOpen === ui.slice(7) ? null : ui.slice(7);
     else over = over === ui || ui === "none" ? null : ui;
-    draw();
+    drawPhone();
   });
-  onChange(draw);
+  onChange(drawPhone);
 }

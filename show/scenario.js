@@ -35,7 +35,7 @@ function line(text, at, current, before) {
     note && el("p", { class: "note" }, note));
 }
 
-function draw() {
+function drawScenario() {
   const current = shownSteps() - 1;
   byId("viewing").hidden = editing;
   byId("editing").hidden = !editing;
@@ -57,7 +57,7 @@ function draw() {
 function edit(lines = model.lines) {
   editing = true;
   byId("text").value = lines.join("\n") + "\n";
-  draw();
+  drawScenario();
   byId("text").focus();
 }
 
@@ -85,7 +85,7 @@ function apply() {
 function leave() {
   editing = applied = false;
   model.wrong = null;
-  draw();
+  drawScenario();
 }
 
 // ---- Files and links
@@ -109,7 +109,7 @@ async function save() {
     if (!files.saved.includes(saved)) files.saved.push(saved);
     model.name = saved;
     drawFiles();
-    draw();
+    drawScenario();
     say(`Saved as ${saved}.`);
   } catch (error) { say(error.message); }
 }
@@ -125,12 +125,12 @@ async function copyLink() {
   } catch { say("The link stands in the address bar."); }
 }
 
-const kActions = { edit: () => edit(), apply, cancel: leave, link: copyLink, save };
+const kFileActions = { edit: () => edit(), apply, cancel: leave, link: copyLink, save };
 
 export function startScenario(told) {
   if (told) files = told;
   drawFiles();
-  onPress(byId("scenario"), "file", (what) => kActions[what]());
+  onPress(byId("scenario"), "file", (what) => kFileActions[what]());
   onPress(byId("lines"), "line", (cursor) => moveTo(+cursor));
   byId("open").addEventListener("change", (event) => {
     const [folder, ...path] = event.target.value.split(" ");
@@ -142,5 +142,5 @@ export function startScenario(told) {
     if (event.key === "Enter" && (event.ctrlKey || event.metaKey)) apply();
     if (event.key === "Escape") leave();
   });
-  onChange(draw);
+  onChange(drawScenario);
 }

@@ -60,7 +60,7 @@ const pick = (name, value, choices, words, line) => el("label", { class: "pick" 
   el("select", field(words, line), choices.map(([says, shown]) => el("option", { value: says, selected: says === value }, shown))));
 const part = (name, ...fields) => el("fieldset", {}, el("legend", {}, name), fields);
 
-function draw() {
+function drawForm() {
   if (!byId("set-up").open) return;
   const said = read();
   const apps = new Map([...kApps, ...said.apps]);
@@ -81,7 +81,7 @@ export function startSetUp() {
   const versions = byId("version");
   fill(versions, kVersions.map(([name, number]) => el("option", { value: number }, "iOS " + name)));
   versions.addEventListener("change", () => change(onVersion(model.lines, +versions.value)));
-  byId("set-up").addEventListener("toggle", () => { draw(); if (byId("set-up").open) byId("set-up").scrollIntoView({ block: "start" }); });
+  byId("set-up").addEventListener("toggle", () => { drawForm(); if (byId("set-up").open) byId("set-up").scrollIntoView({ block: "start" }); });
   byId("form").addEventListener("submit", (event) => event.preventDefault());
   byId("form").addEventListener("change", ({ target }) => {
     if (target.id === "missing-class") {
@@ -100,6 +100,6 @@ export function startSetUp() {
       versions.append(el("option", { value: version }, "version " + version));
     if (document.activeElement !== versions || !model.busy) versions.value = version;
     versions.disabled = !isLive();
-    draw();
+    drawForm();
   });
 }
