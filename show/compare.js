@@ -5,13 +5,12 @@ import { explain } from "./detail.js";
 import { createLanes } from "./lanes.js";
 import { openSession } from "./live.js";
 import { isLive, kStartState, model, onChange, shownState, shownSteps } from "./model.js";
-import { firstDifference, kOutcomes, lanesOf, recordOf } from "./rows.js";
+import { firstDifference, kOutcomes, lanesOf, newestOf, recordOf } from "./rows.js";
 import { onVersion } from "./setup.js";
 import { appName, kVersions } from "./words.js";
 
 const filter = { process: "", outcome: "", text: "", folded: true };
 let main = null;
-let newest = null;
 // The other device: what it is, its lanes, its session, the lines that it has and what they did.
 let other = null;
 
@@ -50,8 +49,7 @@ function drawRecord() {
   main.show(record, shownState());
   fill(byId("count"), `${record.length} rows`);
   if (other) { playOther(); drawOther(record); }
-  const last = record.at(-1);
-  if (last && last.step !== newest && !model.busy) { newest = last.step; fill(byId("newest"), last.text); }
+  if (!model.busy) fill(byId("newest"), newestOf(record)?.text ?? "");
 }
 
 // ---- The other device

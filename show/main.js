@@ -45,6 +45,8 @@ function startAll(builds, files) {
   fill(byId("build"), builds.map((name) => el("option", { value: name }, name)));
   onChange(() => {
     document.body.classList.toggle("busy", model.busy);
+    if (model.note) say(model.note);
+    model.note = "";
     if (model.gone) say(`The device process ended: ${model.gone}. Whatever you do next starts it anew.`);
   });
 }

@@ -14,6 +14,7 @@ export const model = {
   busy: false,     // a play is under way
   wrong: null,     // {line, message}: the text that was refused, and why
   gone: null,      // why the device process ended
+  note: "",        // to be told once
   name: "",
 };
 
@@ -94,15 +95,14 @@ export function undo() {
 }
 
 // Does something now: whatever came later is dropped, and so is a line that could not be carried out.
-// Answers how many lines that were.
 export function act(commands) {
-  if (!send) return 0;
+  if (!send) return;
   const failed = failedStep();
   const at = failed && failed.step < model.cursor ? failed.step : model.cursor;
   const dropped = model.lines.length - at;
+  if (dropped) model.note = `Going on from here: ${dropped} later line${dropped > 1 ? "s" : ""} dropped. Undo brings them back.`;
   const waited = at === model.lines.length ? before() : [];
   play([...model.lines.slice(0, at), ...waited, ...commands.split("\n")]);
-  return dropped;
 }
 
 export function moveTo(cursor) {

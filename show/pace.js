@@ -53,6 +53,12 @@ function stop() {
   changed();
 }
 
+// Time stops where it is: something else is played.
+export function holdTime() {
+  running = false;
+  firstWaited = -1;
+}
+
 // Lines of waiting that stand directly behind one another become one.
 function joinWaits() {
   if (firstWaited < 0) return;
@@ -82,7 +88,7 @@ const kTimeActions = {
   step: () => { stop(); moveTo(model.cursor + 1); },
   timer: () => { const { time, nextTimer } = shownState(); wait(nextTimer - time); if (!running) firstWaited = -1; },
   end: () => moveTo(model.lines.length),
-  undo: () => { running = false; undo(); say("Undone."); },
+  undo: () => { holdTime(); undo(); say("Undone."); },
 };
 
 function drawTime() {

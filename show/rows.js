@@ -32,13 +32,14 @@ function itemsOf(step, before) {
   const known = kept.get(step);
   if (known) return known;
   const items = [];
-  const expectation = step.line.startsWith("expect");
-  const setUp = !before.springBoard && step.line !== "boot" && !step.error && !expectation;
-  if (step.error || (step.line && !expectation) || step.holds === false) {
+  const line = step.line.startsWith("#") ? "" : step.line;
+  const expectation = line.startsWith("expect");
+  const setUp = !before.springBoard && line !== "boot" && !step.error && !expectation;
+  if (step.error || (line && !expectation) || step.holds === false) {
     const text = step.error ? "This could not be done: " + step.error
-      : step.holds === false ? "Expected, but it was not so. What came: " + (step.instead?.join(" · ") || "nothing") : explainCommand(step.line, before);
+      : step.holds === false ? "Expected, but it was not so. What came: " + (step.instead?.join(" · ") || "nothing") : explainCommand(line, before);
     const answer = step.answer == null ? "" : step.answer ? " = YES" : " = NO";
-    items.push({ step, index: -1, process: "", time: before.time, outcome: step.error || expectation ? "failed" : "command", call: step.line + answer, text, startUp: setUp });
+    items.push({ step, index: -1, process: "", time: before.time, outcome: step.error || expectation ? "failed" : "command", call: line + answer, text, startUp: setUp });
   }
   step.rows.forEach((row, index) => {
     if (!isShown(row)) return;
@@ -69,6 +70,15 @@ export function recordOf(steps, count, filter) {
     }
   }
   return record;
+}
+
+const kTelling = [/^crash/, /UIAlertView show/, /launchApplicationWith|openURL|setPasscode/, /setPaused:NO|MTPlayer play/, /./];
+
+// The row that says best what the last command of the record led to.
+export function newestOf(record) {
+  const last = record.filter((item) => item.step === record.at(-1)?.step);
+  const found = kTelling.map((pattern) => last.find((item) => item.process && !item.folded && pattern.test(item.call))).find(Boolean);
+  return found ?? last.at(-1);
 }
 
 // The processes of a record, in the order in which they appear.

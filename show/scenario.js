@@ -2,6 +2,7 @@
 import { byId, el, fill, onPress, say } from "./dom.js";
 import { readFile, saveFile } from "./live.js";
 import { failedStep, isLive, model, moveTo, onChange, play, shownSteps } from "./model.js";
+import { holdTime } from "./pace.js";
 
 let editing = false;
 let files = { scenarios: [], saved: [] };
@@ -9,6 +10,7 @@ let files = { scenarios: [], saved: [] };
 export const linesOf = (text) => text.replace(/\r/g, "").replace(/\n+$/, "").split("\n");
 
 export function openText(text, name) {
+  holdTime();
   play(linesOf(text));
   model.name = name;
 }
@@ -79,6 +81,7 @@ function apply() {
   model.wrong = null;
   byId("text").removeAttribute("aria-invalid");
   applied = true;
+  holdTime();
   play(linesOf(byId("text").value));
 }
 

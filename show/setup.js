@@ -2,6 +2,7 @@
 // before the first `boot`; changing one plays everything again.
 import { byId, el, fill } from "./dom.js";
 import { isLive, model, onChange, play } from "./model.js";
+import { holdTime } from "./pace.js";
 import { kAddOns, kApps, kChoosers, kDefaultVersion, kFrameworks, kSwitches, kVersions, playControl } from "./words.js";
 
 const escaped = (text) => text.replace(/[.*+?^${}()|[\]\\]/g, "\\$&");
@@ -34,6 +35,7 @@ export function onVersion(lines, version) {
 }
 
 function change(lines) {
+  holdTime();
   play(lines, Math.max(0, model.cursor + lines.length - model.lines.length));
 }
 
