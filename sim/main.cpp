@@ -1,5 +1,8 @@
 // corvalen-sim: runs the library on a simulated device. The command line alone; what its commands
 // do stands in sim/scenario, sim/explore, sim/inject and sim/guest.
+#include <sys/ioctl.h>
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
 #include <cstdlib>
 #include <fstream>
@@ -14,6 +17,7 @@
 #include "sim/scenario/runner.hpp"
 #include "sim/scenario/shell.hpp"
 #include "sim/show/device_process.hpp"
+#include "sim/show/lanes.hpp"
 #include "sim/show/static_page.hpp"
 
 namespace {
@@ -25,6 +29,7 @@ struct CommandLine {
   std::string format = "text";
   std::string calls = "effects";
   bool leaks = false;
+  bool lanes = false;
   bool failFast = false;
   std::string image;
   std::string slice;  // the first that the image holds, if none is asked for
@@ -38,7 +43,12 @@ struct CommandLine {
   std::string checkUp;
 
   RunOptions options() const {
-    return {format == "json" ? Format::Json : Format::Text, calls == "all", leaks, settingsPage};
+    // Colours are for people at a terminal who do not mind them (no-color.org).
+    const char* none = std::getenv("NO_COLOR");
+    const bool colour = format == "text" && calls == "effects" && isatty(STDOUT_FILENO) != 0 &&
+                        (!none || *none == '\0');
+    return {format == "json" ? Format::Json : Format::Text, calls == "all", leaks, colour,
+            settingsPage};
   }
 };
 
@@ -116,8 +126,26 @@ int runAsPage(const CommandLine& line) {
                                                 std::cerr));
 }
 
+// As wide as the terminal, or as one commonly is.
+std::size_t columns() {
+  winsize size{};
+  const bool known = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+  return known ? size.ws_col : 120;
+}
+
+int runAsLanes(const CommandLine& line) {
+  const auto loader = makeLoader(line);
+  int worst = 0;
+  for (const std::string& file : line.files)
+    worst = std::max(
+        worst, static_cast<int>(show::printLanes(shownName(file), readOrThrow(file), *loader,
+                                                 line.options(), columns(), std::cout, std::cerr)));
+  return worst;
+}
+
 int run(const CommandLine& line) {
   if (line.format == "html") return runAsPage(line);
+  if (line.lanes) return runAsLanes(line);
   int worst = 0;
   const auto loader = makeLoader(line);
   for (const std::string& file : line.files) {
@@ -208,6 +236,7 @@ int main(int count, char** words) {
   CommandLine line;
   CLI::App* runCommand = app.add_subcommand("run", "play scenarios, each on a fresh device");
   addOptions(*runCommand, line);
+  runCommand->add_flag("--lanes", line.lanes, "print a column for each process");
   runCommand->add_flag("--fail-fast", line.failFast, "stop after the first scenario that fails");
   runCommand->add_option("SCENARIO", line.files, "files, or - for standard input")->required();
   CLI::App* pageCommand =

@@ -8,6 +8,27 @@ namespace sim::scenario {
 
 namespace {
 
+// The colours of a terminal.
+constexpr const char* kCrash = "\033[1;31m";
+constexpr const char* kSignal = "\033[36m";
+constexpr const char* kTakenOver = "\033[33m";
+constexpr const char* kOwn = "\033[32m";
+constexpr const char* kPassedOn = "\033[2m";
+constexpr const char* kPlain = "\033[0m";
+
+// What became of the call: passed on, inside of one that the library took over, a signal, or the
+// library's own.
+const char* colourOf(const std::vector<Row>& rows, const Row& row) {
+  if (row.entry.what.starts_with("crash: ")) return kCrash;
+  if (row.entry.what.starts_with("notify_post(")) return kSignal;
+  if (row.entry.by == CallTree::By::Passed) return kPassedOn;
+  for (auto at = row.parent; at >= 0; at = rows[static_cast<std::size_t>(at)].parent) {
+    const Row& outer = rows[static_cast<std::size_t>(at)];
+    if (outer.entry.kind == CallTree::Kind::Hook && !outer.passedOn) return kTakenOver;
+  }
+  return row.entry.by == CallTree::By::Library ? kOwn : kPlain;
+}
+
 // Texts may hold any bytes; what is no UTF-8 must not end the run.
 std::string json(const std::string& text) {
   return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
@@ -21,6 +42,7 @@ std::string shownTime(Microseconds time) {
 }
 
 void Output::command(const std::string& echo) {
+  if (muted_) return;
   if (format_ == Format::Json)
     out_ << fmt::format("{{\"command\": {}}}\n", json(echo));
   else
@@ -28,6 +50,7 @@ void Output::command(const std::string& echo) {
 }
 
 void Output::effect(Microseconds time, const std::string& process, const std::string& call) {
+  if (muted_ || coloured_) return;
   if (format_ == Format::Json)
     out_ << fmt::format("{{\"time\": {}, \"process\": {}, \"call\": {}}}\n", shownTime(time),
                         json(process), json(call));
@@ -36,11 +59,20 @@ void Output::effect(Microseconds time, const std::string& process, const std::st
 }
 
 void Output::result(bool answer) {
+  if (muted_) return;
   const char* text = answer ? "YES" : "NO";
   if (format_ == Format::Json)
     out_ << fmt::format("{{\"result\": \"{}\"}}\n", text);
   else
     out_ << "= " << text << '\n';
+}
+
+void Output::shown(const std::vector<Row>& rows) {
+  if (muted_) return;
+  for (const Row& row : rows)
+    if (row.entry.kind == CallTree::Kind::Effect)
+      out_ << colourOf(rows, row) << shownTime(row.time) << ' ' << row.entry.process << ' '
+           << row.entry.what << kPlain << '\n';
 }
 
 }  // namespace sim::scenario

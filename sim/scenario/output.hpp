@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "sim/core/trace.hpp"
+#include "sim/scenario/recorder.hpp"
 
 namespace sim::scenario {
 
@@ -16,9 +17,19 @@ class Output {
   void effect(Microseconds time, const std::string& process, const std::string& call);
   void result(bool answer);
 
+  // From now on effects are coloured by what became of the call: those of `shown`, in place of what
+  // effect() gets.
+  void colour() { coloured_ = true; }
+  bool isColoured() const { return coloured_; }
+  void shown(const std::vector<Row>& rows);
+  // Nothing is printed while muted.
+  void mute(bool muted) { muted_ = muted; }
+
  private:
   std::ostream& out_;
   Format format_;
+  bool coloured_ = false;
+  bool muted_ = false;
 };
 
 // Seconds with two decimals, rounded to the nearest, halves up.

@@ -9,7 +9,11 @@
 namespace sim::scenario {
 
 Session::Session(LibraryLoader& loader, Output& output, bool allCalls)
-    : output_(output), allCalls_(allCalls), device_(std::make_unique<Device>(*this, loader)) {}
+    : output_(output), allCalls_(allCalls), device_(std::make_unique<Device>(*this, loader)) {
+  if (!output.isColoured()) return;
+  recorder_ = std::make_unique<Recorder>(device_->clock);
+  device_->callTree = recorder_.get();
+}
 
 void Session::effect(Microseconds time, const std::string& process, const std::string& call) {
   effects_.push_back({process, call});
@@ -21,9 +25,16 @@ void Session::run(const Command& command) {
   answer_.reset();
   next_ = 0;
   output_.command(command.echo);
-  answer_ = command.run(*device_);
+  try {
+    answer_ = command.run(*device_);
+  } catch (...) {
+    if (recorder_) output_.shown(recorder_->take());
+    throw;
+  }
+  if (answer_ && recorder_) output_.shown(recorder_->take());
   if (answer_) output_.result(*answer_);
   device_->drain();
+  if (recorder_) output_.shown(recorder_->take());
 }
 
 std::size_t Session::count(const Expectation& expectation) const {
@@ -107,6 +118,7 @@ Status runScenario(const std::string& file, const std::string& text, LibraryLoad
   try {
     const Script script = parseScript(file, text);
     Output output(out, options.format);
+    if (options.colour) output.colour();
     Session session(loader, output, options.allCalls);
     session.device().state.settingsEntry = options.settingsPage;
     Status status = play(script, session, errors);

@@ -47,7 +47,8 @@ class Session final : public Trace {
   bool allCalls_;
   std::vector<Effect> effects_;
   std::optional<bool> answer_;
-  std::size_t next_ = 0;  // behind the line that the previous `expect` found
+  std::size_t next_ = 0;                // behind the line that the previous `expect` found
+  std::unique_ptr<Recorder> recorder_;  // if the output is coloured; outlives the device
   std::unique_ptr<Device> device_;
 };
 
@@ -55,6 +56,7 @@ struct RunOptions {
   Format format = Format::Text;
   bool allCalls = false;
   bool leaks = false;
+  bool colour = false;                   // of text without all calls
   std::filesystem::path settingsPage{};  // an entry of PreferenceLoader's in place of the product's
 };
 

@@ -22,8 +22,8 @@ void PlayedDevice::startAfresh() {
   device.callTree = recorder_.get();
 }
 
-Json PlayedDevice::step(std::size_t index, const std::string& line, const Content& content) {
-  Json step = {{"step", index}, {"line", line}, {"rows", Json::array()}};
+Json PlayedDevice::step(std::size_t index, const Content& content) {
+  Json step = {{"step", index}, {"line", ""}, {"rows", Json::array()}};
   if (content) {
     if (const auto* command = std::get_if<Command>(&*content)) {
       step["line"] = command->echo;
@@ -69,7 +69,7 @@ std::optional<WrongLine> PlayedDevice::play(const Lines& lines,
   const std::size_t first = goesOn ? common : std::min(common, lines.size());
   begins(first);
   for (std::size_t i = played_.size(); i < lines.size() && !stopped_; ++i) {
-    const Json told = step(i, lines[i], contents[i]);
+    const Json told = step(i, contents[i]);
     played_.push_back(lines[i]);
     if (i >= first || stopped_) tell(told);
   }

@@ -6,8 +6,8 @@
 #include <nlohmann/json_fwd.hpp>
 #include <sstream>
 
+#include "sim/scenario/recorder.hpp"
 #include "sim/scenario/runner.hpp"
-#include "sim/show/recorder.hpp"
 
 namespace sim::show {
 
@@ -35,7 +35,7 @@ class PlayedDevice {
 
  private:
   using Content = std::optional<std::variant<scenario::Command, scenario::Expectation>>;
-  Json step(std::size_t index, const std::string& line, const Content& content);
+  Json step(std::size_t index, const Content& content);
   void startAfresh();
 
   LibraryLoader& loader_;
@@ -44,7 +44,7 @@ class PlayedDevice {
   bool stopped_ = false;  // at the last line played, which could not be carried out
   std::ostringstream unseen_;
   scenario::Output output_{unseen_, scenario::Format::Text};
-  std::unique_ptr<Recorder> recorder_;  // outlives the device, whose end it records
+  std::unique_ptr<scenario::Recorder> recorder_;  // outlives the device, whose end it records
   std::unique_ptr<scenario::Session> session_;
 };
 

@@ -1,12 +1,11 @@
 #include "sim/show/static_page.hpp"
 
 #include <fstream>
-#include <nlohmann/json.hpp>
 #include <ostream>
 #include <sstream>
 #include <stdexcept>
 
-#include "sim/show/played_device.hpp"
+#include "sim/show/whole_run.hpp"
 
 namespace sim::show {
 
@@ -65,46 +64,19 @@ std::string page(const std::filesystem::path& folder, const std::string& recordi
   return page;
 }
 
-Lines split(const std::string& text) {
-  Lines lines;
-  std::istringstream in(text);
-  for (std::string line; std::getline(in, line);) lines.push_back(line);
-  return lines;
-}
-
 }  // namespace
 
 scenario::Status printStaticPage(const std::filesystem::path& folder, const std::string& build,
                                  const std::string& file, const std::string& text,
                                  LibraryLoader& loader, const scenario::RunOptions& options,
                                  std::ostream& out, std::ostream& errors) {
-  const Lines lines = split(text);
-  PlayedDevice device(loader, options.settingsPage);
-  Json steps = Json::array();
-  auto status = scenario::Status::Held;
-  const auto report = [&](std::size_t line, const std::string& message) {
-    errors << file << ':' << line + 1 << ": " << message << '\n';
-  };
-  const auto keep = [&](const Json& step) {
-    steps.push_back(step);
-    const auto line = step["step"].get<std::size_t>();
-    if (step.contains("error")) {
-      status = scenario::Status::Wrong;
-      report(line, step["error"]);
-    } else if (!step.value("holds", true)) {
-      status = scenario::Status::Failed;
-      report(line, "does not hold: " + step["line"].get<std::string>());
-    }
-  };
-  if (const auto wrong = device.play(
-          lines, [](std::size_t) {}, keep)) {
-    report(wrong->line, wrong->message);
-    return scenario::Status::Wrong;
-  }
-  const Json recording = {{"file", file}, {"build", build}, {"lines", lines}, {"steps", steps}};
+  const WholeRun run = playWhole(file, text, loader, options, errors);
+  if (run.steps.empty() && run.status == scenario::Status::Wrong) return run.status;
+  const Json recording = {
+      {"file", file}, {"build", build}, {"lines", run.lines}, {"steps", run.steps}};
   // Texts may hold any bytes; what is no UTF-8 must not end the run.
   out << page(folder, recording.dump(-1, ' ', false, Json::error_handler_t::replace));
-  return status;
+  return run.status;
 }
 
 }  // namespace sim::show

@@ -1,8 +1,8 @@
-#include "sim/show/recorder.hpp"
+#include "sim/scenario/recorder.hpp"
 
 #include <nlohmann/json.hpp>
 
-namespace sim::show {
+namespace sim::scenario {
 
 namespace {
 
@@ -78,4 +78,4 @@ void Recorder::passedOn(const std::string& process, std::size_t outward) {
 
 void Recorder::leave() { open_.pop_back(); }
 
-}  // namespace sim::show
+}  // namespace sim::scenario

@@ -6,7 +6,7 @@
 
 #include "sim/core/device.hpp"
 
-namespace sim::show {
+namespace sim::scenario {
 
 // One entry, in the order in which they began. Its JSON has `time` (of the virtual clock, in
 // microseconds), `process`, `kind`, `call`, `by` (of effects), `taken` (of hooks: the call never
@@ -40,4 +40,4 @@ class Recorder final : public CallTree {
   std::vector<std::size_t> open_;  // indices, the innermost last
 };
 
-}  // namespace sim::show
+}  // namespace sim::scenario
