@@ -1,5 +1,5 @@
-// The scenario language, typed one command at a time. Nothing of a phone; leaves out expectations
-// that are to be checked later.
+// The scenario language, typed one command at a time, with help, undo and quit beside it. Nothing
+// of a phone; leaves out expectations that are to be checked later.
 #pragma once
 #include <iosfwd>
 

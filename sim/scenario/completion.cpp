@@ -1,0 +1,77 @@
+#include "sim/scenario/completion.hpp"
+
+#include <algorithm>
+#include <sstream>
+
+#include "sim/platform/device_actions.hpp"
+#include "sim/scenario/reference.hpp"
+#include "sim/scenario/script.hpp"
+#include "sim/settings/settings_app.hpp"
+
+namespace sim::scenario {
+
+namespace {
+
+std::vector<std::string> split(const std::string& text, char at) {
+  std::vector<std::string> parts;
+  std::istringstream in(text);
+  for (std::string part; std::getline(in, part, at);)
+    if (!part.empty()) parts.push_back(part);
+  return parts;
+}
+
+std::vector<std::string> labels(Device& device) {
+  std::vector<std::string> all;
+  if (!device.process(kSettings)) return all;
+  try {
+    for (const ShownGroup& group : shownSettings(device).groups)
+      for (const ShownRow& row : group.rows) all.push_back(quoted(row.label));
+  } catch (const ActionError&) {
+    all.clear();  // no page
+  }
+  return all;
+}
+
+// What a word of the reference stands for.
+std::vector<std::string> meant(const std::string& word, Device& device) {
+  std::vector<std::string> all;
+  for (const std::string& choice : split(word, '|')) {
+    if (choice == "\"LABEL\"") {
+      for (const std::string& label : labels(device)) all.push_back(label);
+    } else if (choice == "ID") {
+      for (const App& app : device.state.apps) all.push_back(app.identifier);
+    } else if (std::ranges::none_of(choice, [](char c) { return c >= 'A' && c <= 'Z'; })) {
+      all.push_back(choice);
+    }
+  }
+  return all;
+}
+
+}  // namespace
+
+std::vector<std::string> completions(const std::string& before, Device& device) {
+  const auto typed = split(before, ' ');
+  std::vector<std::string> all;
+  if (typed.empty()) {
+    all = commandNames();
+    for (const char* own : {"help", "quit", "undo"}) all.emplace_back(own);
+  } else if (typed[0] == "help") {
+    all = commandNames();
+  }
+  for (const ReferenceRow& row : reference())
+    for (const std::string& form : row.forms) {
+      const auto words = split(form, ' ');
+      if (typed.empty() || words.size() <= typed.size() || words[0] != typed[0]) continue;
+      // A fixed word must have been typed as it is: settings set, settings choose.
+      const bool fits = words.size() < 3 || typed.size() < 2 || words[1] == typed[1] ||
+                        words[1].find_first_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ|") != std::string::npos;
+      if (!fits) continue;
+      for (const std::string& word : meant(words[typed.size()], device)) all.push_back(word);
+    }
+  std::ranges::sort(all);
+  const auto doubled = std::ranges::unique(all);
+  all.erase(doubled.begin(), doubled.end());
+  return all;
+}
+
+}  // namespace sim::scenario
