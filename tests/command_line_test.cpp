@@ -196,4 +196,38 @@ TEST(CommandLine, TheShellReportsMistakesAndGoesOn) {
   EXPECT_NE(result.output.find("= YES\nholds\n"), std::string::npos);
 }
 
+TEST(CommandLine, TheShellHelpsTakesBackAndQuits) {
+  const Finished result =
+      run("shell", "help press\nhelp fly\nundo\nboot\nlocked yes\nundo\ntap-title\nquit\nfly\n");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_NE(result.output.find("press N\n    button N of the alert"), std::string::npos);
+  EXPECT_NE(result.output.find("unknown command fly\nthere is nothing to undo\n"),
+            std::string::npos);
+  EXPECT_NE(result.output.find("undone: locked yes\n> tap-title\n"), std::string::npos);
+  EXPECT_TRUE(
+      result.output.ends_with("mediaControlsTitlesViewWasTapped:<MPUMediaControlsTitlesView>]\n"));
+}
+
+TEST(CommandLine, LanesAndPagesFailAsTheTraceDoes) {
+  for (const char* way : {"--lanes", "--format html"}) {
+    const std::string command = std::string("run ") + way + " -";
+    EXPECT_EQ(run(command, "boot\n").status, 0) << way;
+    EXPECT_EQ(run(command, "boot\nexpect-nothing\n").status, 1) << way;
+    EXPECT_EQ(run(command, "fly\n").status, 2) << way;
+    EXPECT_EQ(run(command, "watch 1\n").status, 2) << way;
+  }
+}
+
+TEST(CommandLine, TheDevicePlaysForAnotherProgram) {
+  const Finished result = run("device",
+                              "{\"play\": 1, \"lines\": [\"boot\"]}\nnonsense\n"
+                              "{\"play\": 2, \"lines\": [\"boot\", \"fly\"]}\n");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_NE(result.output.find("{\"play\":1,\"from\":0}\n{\"play\":1,\"step\":0,"),
+            std::string::npos);
+  EXPECT_NE(result.output.find("{\"play\":1,\"done\":true}\n{\"error\":"), std::string::npos);
+  EXPECT_NE(result.output.find("\"wrong\":{\"line\":1,\"message\":\"unknown command fly\"}}"),
+            std::string::npos);
+}
+
 }  // namespace

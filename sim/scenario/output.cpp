@@ -21,11 +21,11 @@ constexpr const char* kPlain = "\033[0m";
 const char* colourOf(const std::vector<Row>& rows, const Row& row) {
   if (row.entry.what.starts_with("crash: ")) return kCrash;
   if (row.entry.what.starts_with("notify_post(")) return kSignal;
-  if (row.entry.by == CallTree::By::Passed) return kPassedOn;
   for (auto at = row.parent; at >= 0; at = rows[static_cast<std::size_t>(at)].parent) {
     const Row& outer = rows[static_cast<std::size_t>(at)];
     if (outer.entry.kind == CallTree::Kind::Hook && !outer.passedOn) return kTakenOver;
   }
+  if (row.entry.by == CallTree::By::Passed) return kPassedOn;
   return row.entry.by == CallTree::By::Library ? kOwn : kPlain;
 }
 
