@@ -16,6 +16,7 @@
 #include "sim/inject/campaign.hpp"
 #include "sim/scenario/runner.hpp"
 #include "sim/scenario/shell.hpp"
+#include "sim/serve/server.hpp"
 #include "sim/show/device_process.hpp"
 #include "sim/show/lanes.hpp"
 #include "sim/show/static_page.hpp"
@@ -41,6 +42,7 @@ struct CommandLine {
   search::SearchOptions search;
   inject::CampaignOptions injecting;
   std::string checkUp;
+  serve::ServeOptions serving;
 
   RunOptions options() const {
     // Colours are for people at a terminal who do not mind them (no-color.org).
@@ -208,6 +210,42 @@ void addInjectOptions(CLI::App& command, CommandLine& line) {
   command.add_option("TOUR", line.files, "scenarios to be played with faults")->required();
 }
 
+// The page's devices are processes of this same program: of the host build, and of each slice of
+// the device binary that is named.
+int servePage(CommandLine& line) {
+  serve::ServeOptions& options = line.serving;
+  options.builds = {{"host", {"/proc/self/exe", "device"}}};
+  if (!line.image.empty())
+    for (const guest::Slice slice : guest::slicesOf(line.image)) {
+      const std::string name = slice == guest::Slice::arm64 ? "arm64" : "armv7";
+      options.builds.push_back(
+          {name, {"/proc/self/exe", "device", "--image", line.image, "--slice", name}});
+    }
+  options.pages = programFolder() / "show";
+  options.version = CORVALEN_VERSION;
+  serve::serve(options, std::cout);
+  return 0;
+}
+
+void addServeOptions(CLI::App& command, CommandLine& line) {
+  serve::ServeOptions& options = line.serving;
+  command.add_option("--port", options.port, "on the loopback address; otherwise a free one")
+      ->check(CLI::Range(1024, 65535));
+  command.add_option("--scenarios", options.scenarios, "a folder with scenarios to open")
+      ->check(CLI::ExistingDirectory);
+  command.add_option("--saved", options.saved, "a folder to save scenarios in")
+      ->check(CLI::ExistingDirectory);
+  command.add_option("--image", line.image, "offer this device binary's slices too")
+      ->check(CLI::ExistingFile);
+  command
+      .add_option("--longest-play", options.limits.play, "seconds, after which a device is ended")
+      ->check(CLI::Range(1, 3600));
+  command
+      .add_option("--longest-silence", options.limits.withoutListener,
+                  "seconds without a page, after which its device is ended")
+      ->check(CLI::Range(1, 86400));
+}
+
 void addOptions(CLI::App& command, CommandLine& line) {
   command.add_option("--format", line.format, "how the trace is printed")
       ->check(CLI::IsMember({"text", "json", "html"}));
@@ -233,6 +271,7 @@ void addOptions(CLI::App& command, CommandLine& line) {
 int main(int count, char** words) {
   CLI::App app{"Runs Corvalen Pro on a simulated device"};
   app.require_subcommand(1);
+  app.set_version_flag("--version", CORVALEN_VERSION);
   CommandLine line;
   CLI::App* runCommand = app.add_subcommand("run", "play scenarios, each on a fresh device");
   addOptions(*runCommand, line);
@@ -249,6 +288,8 @@ int main(int count, char** words) {
   CLI::App* deviceCommand = app.add_subcommand(
       "device", "a device for another program: scenarios in, what happens out, as JSON lines");
   addOptions(*deviceCommand, line);
+  CLI::App* serveCommand = app.add_subcommand("serve", "show devices to a browser on this machine");
+  addServeOptions(*serveCommand, line);
   CLI::App* benchCommand = app.add_subcommand("bench", "count what a device binary costs");
   guest::BenchImages bench;
   benchCommand->add_option("--image", bench.library, "the device binary")->required();
@@ -273,6 +314,7 @@ int main(int count, char** words) {
       show::serveDevice(*makeLoader(line), line.settingsPage, std::cin, std::cout);
       return 0;
     }
+    if (*serveCommand) return servePage(line);
     if (*pageCommand) return page(line);
     // With a time limit alone the count is no limit.
     if (*exploreCommand && line.search.minutes > 0 && exploreCommand->count("--count") == 0)

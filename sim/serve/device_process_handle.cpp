@@ -1,0 +1,102 @@
+#include "sim/serve/device_process_handle.hpp"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <system_error>
+
+namespace sim::serve {
+
+namespace {
+
+// With `end` as standard input and output, nothing else that the server has open, and signals as a
+// process finds them. Answers an error number.
+int spawn(pid_t& process, const std::vector<std::string>& command, int end) {
+  posix_spawn_file_actions_t files;
+  posix_spawn_file_actions_init(&files);
+  posix_spawn_file_actions_adddup2(&files, end, STDIN_FILENO);
+  posix_spawn_file_actions_adddup2(&files, end, STDOUT_FILENO);
+  posix_spawn_file_actions_addclosefrom_np(&files, STDERR_FILENO + 1);
+  posix_spawnattr_t attributes;
+  posix_spawnattr_init(&attributes);
+  sigset_t signals;
+  sigemptyset(&signals);
+  posix_spawnattr_setsigmask(&attributes, &signals);
+  sigaddset(&signals, SIGPIPE);
+  posix_spawnattr_setsigdefault(&attributes, &signals);
+  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+  std::vector<char*> words;
+  for (const std::string& word : command) words.push_back(const_cast<char*>(word.c_str()));
+  words.push_back(nullptr);
+  const int error = posix_spawn(&process, words[0], &files, &attributes, words.data(), environ);
+  posix_spawnattr_destroy(&attributes);
+  posix_spawn_file_actions_destroy(&files);
+  return error;
+}
+
+}  // namespace
+
+// (A pair of sockets, as it is one descriptor where pipes would be two.)
+DeviceProcessHandle::DeviceProcessHandle(const std::vector<std::string>& command) {
+  int ends[2];
+  if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0)
+    throw std::system_error(errno, std::generic_category(), "no way to speak to a device process");
+  const int error = spawn(process_, command, ends[1]);
+  close(ends[1]);
+  descriptor_ = ends[0];
+  fcntl(descriptor_, F_SETFL, O_NONBLOCK);
+  if (error == 0) return;
+  close(descriptor_);
+  throw std::system_error(error, std::generic_category(), "no device process");
+}
+
+DeviceProcessHandle::~DeviceProcessHandle() {
+  close(descriptor_);
+  if (process_ == 0) return;
+  kill(process_, SIGKILL);
+  waitpid(process_, nullptr, 0);
+}
+
+void DeviceProcessHandle::write(std::string& text) {
+  const ssize_t count = send(descriptor_, text.data(), text.size(), MSG_NOSIGNAL);
+  if (count >= 0)
+    text.erase(0, static_cast<std::size_t>(count));
+  else if (errno != EAGAIN)
+    text.clear();  // it reads no more: what it says ends, too
+}
+
+bool DeviceProcessHandle::read(std::vector<std::string>& lines) {
+  char buffer[65536];
+  const ssize_t count = ::read(descriptor_, buffer, sizeof buffer);
+  if (count < 0) return errno == EAGAIN;
+  std::size_t begin = 0;
+  std::size_t end = unread_.size();
+  unread_.append(buffer, static_cast<std::size_t>(count));
+  for (; (end = unread_.find('\n', end)) != std::string::npos; begin = ++end)
+    lines.push_back(unread_.substr(begin, end - begin));
+  unread_.erase(0, begin);
+  return count > 0;
+}
+
+std::string DeviceProcessHandle::end() {
+  int status = 0;
+  pid_t ended = 0;
+  // One that closed its output and stays has a second.
+  for (int i = 0; i < 100 && (ended = waitpid(process_, &status, WNOHANG)) == 0; ++i)
+    poll(nullptr, 0, 10);
+  if (ended != process_) return "it says nothing any more";
+  process_ = 0;
+  return WIFSIGNALED(status)
+             ? fmt::format("signal {} ({})", WTERMSIG(status), strsignal(WTERMSIG(status)))
+             : fmt::format("exit status {}", WEXITSTATUS(status));
+}
+
+}  // namespace sim::serve
