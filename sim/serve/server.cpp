@@ -40,9 +40,11 @@ void answer(Response& response, int status, const json& body) {
                        "application/json");
 }
 
-// (A provider's content is not compressed, which would take longer than the way it saves.)
+// (What a provider gives is not compressed, which would take longer than the way it saves. Nothing is
+// not what a provider can give.)
 void answerFile(Response& response, const std::optional<File>& file) {
   if (!file) throw Refused{404, "there is no such file"};
+  if (file->bytes.empty()) return response.set_content("", file->type);
   response.set_content_provider(file->bytes.size(), file->type,
                                 [bytes = file->bytes](auto at, auto length, auto& sink) {
                                   return sink.write(bytes.data() + at, length);
@@ -105,7 +107,8 @@ Server::Server(const ServeOptions& options) : options_(options) {
                              {"Cache-Control", "no-store"},
                              {"Cross-Origin-Resource-Policy", "same-origin"}});
   http_.new_task_queue = [] { return new httplib::ThreadPool(kThreads); };
-  http_.set_keep_alive_max_count(1);  // a connection that waits would keep its thread
+  http_.set_keep_alive_max_count(1);  // a connection that waits keeps its thread
+  http_.set_keep_alive_timeout(1);
   http_.set_tcp_nodelay(true);
   http_.set_payload_max_length(kLongestText);
   // (The library's own options would let a second server share the port.)
@@ -226,7 +229,7 @@ void Server::routeSession(const std::string& rest, const Request& request, Respo
     response.set_chunked_content_provider("text/event-stream", [session, next](auto, auto& sink) {
       const auto events = session->wait(*next);
       if (!events) sink.done();
-      return !events || events->empty() || sink.write(events->data(), events->size());
+      return !events || sink.write(events->data(), events->size());
     });
   } else {
     expectMethod(request, "DELETE");

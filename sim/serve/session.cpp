@@ -72,7 +72,8 @@ std::optional<std::string> Session::wait(std::uint64_t& next) {
   std::string batch;
   for (; isNews() && batch.size() < kBatch; ++next)
     batch += fmt::format("id: {}\ndata: {}\n\n", next, events_[next - first_]);
-  return batch;
+  // (Something has to be written for a listener that left to be noticed.)
+  return batch.empty() ? ":\n\n" : batch;
 }
 
 Session::Clock::duration Session::unheard() {
