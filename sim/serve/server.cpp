@@ -40,8 +40,8 @@ void answer(Response& response, int status, const json& body) {
                        "application/json");
 }
 
-// (What a provider gives is not compressed, which would take longer than the way it saves. Nothing is
-// not what a provider can give.)
+// (What a provider gives is not compressed, which would take longer than the way it saves. Nothing
+// is not what a provider can give.)
 void answerFile(Response& response, const std::optional<File>& file) {
   if (!file) throw Refused{404, "there is no such file"};
   if (file->bytes.empty()) return response.set_content("", file->type);
