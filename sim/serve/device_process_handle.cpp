@@ -1,10 +1,10 @@
 #include "sim/serve/device_process_handle.hpp"
 
-#include <fcntl.h>
 #include <fmt/format.h>
 #include <poll.h>
 #include <spawn.h>
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -44,7 +44,8 @@ int spawn(pid_t& process, const std::vector<std::string>& command, int end) {
 
 }  // namespace
 
-// (A pair of sockets, as it is one descriptor where pipes would be two.)
+// (A pair of sockets, as it is one descriptor where pipes would be two, and does not wait for
+// ever.)
 DeviceProcessHandle::DeviceProcessHandle(const std::vector<std::string>& command) {
   int ends[2];
   if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0)
@@ -52,7 +53,9 @@ DeviceProcessHandle::DeviceProcessHandle(const std::vector<std::string>& command
   const int error = spawn(process_, command, ends[1]);
   close(ends[1]);
   descriptor_ = ends[0];
-  fcntl(descriptor_, F_SETFL, O_NONBLOCK);
+  const timeval tenth{0, 100000};
+  for (const int direction : {SO_RCVTIMEO, SO_SNDTIMEO})
+    setsockopt(descriptor_, SOL_SOCKET, direction, &tenth, sizeof tenth);
   if (error == 0) return;
   close(descriptor_);
   throw std::system_error(error, std::generic_category(), "no device process");
@@ -67,26 +70,25 @@ DeviceProcessHandle::~DeviceProcessHandle() {
 
 void DeviceProcessHandle::write(std::string& text) {
   const ssize_t count = send(descriptor_, text.data(), text.size(), MSG_NOSIGNAL);
-  if (count >= 0)
-    text.erase(0, static_cast<std::size_t>(count));
-  else if (errno != EAGAIN)
-    text.clear();  // it reads no more: what it says ends, too
+  if (count > 0) text.erase(0, static_cast<std::size_t>(count));
 }
 
-bool DeviceProcessHandle::read(std::vector<std::string>& lines) {
+std::vector<std::string> DeviceProcessHandle::read(bool mayWait) {
   char buffer[65536];
-  const ssize_t count = ::read(descriptor_, buffer, sizeof buffer);
-  if (count < 0) return errno == EAGAIN;
+  const ssize_t count = recv(descriptor_, buffer, sizeof buffer, mayWait ? 0 : MSG_DONTWAIT);
+  if (count < 0 && errno == EAGAIN) return {};
+  if (count <= 0) throw std::runtime_error(howItEnded());
+  std::vector<std::string> lines;
   std::size_t begin = 0;
   std::size_t end = unread_.size();
   unread_.append(buffer, static_cast<std::size_t>(count));
   for (; (end = unread_.find('\n', end)) != std::string::npos; begin = ++end)
     lines.push_back(unread_.substr(begin, end - begin));
   unread_.erase(0, begin);
-  return count > 0;
+  return lines;
 }
 
-std::string DeviceProcessHandle::end() {
+std::string DeviceProcessHandle::howItEnded() {
   int status = 0;
   pid_t ended = 0;
   // One that closed its output and stays has a second.
@@ -94,9 +96,8 @@ std::string DeviceProcessHandle::end() {
     poll(nullptr, 0, 10);
   if (ended != process_) return "it says nothing any more";
   process_ = 0;
-  return WIFSIGNALED(status)
-             ? fmt::format("signal {} ({})", WTERMSIG(status), strsignal(WTERMSIG(status)))
-             : fmt::format("exit status {}", WEXITSTATUS(status));
+  if (WIFEXITED(status)) return fmt::format("exit status {}", WEXITSTATUS(status));
+  return fmt::format("signal {} ({})", WTERMSIG(status), strsignal(WTERMSIG(status)));
 }
 
 }  // namespace sim::serve

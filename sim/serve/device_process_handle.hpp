@@ -1,5 +1,5 @@
-// A device process as its parent holds it: spawned, spoken to in lines without ever waiting, ended.
-// Nothing of a phone; leaves out what the lines say.
+// A device process as its parent holds it: spawned, spoken to in lines, ended. Nothing of a phone;
+// leaves out what the lines say.
 #pragma once
 #include <sys/types.h>
 
@@ -17,18 +17,17 @@ class DeviceProcessHandle {
   DeviceProcessHandle(const DeviceProcessHandle&) = delete;
   DeviceProcessHandle& operator=(const DeviceProcessHandle&) = delete;
 
-  // To be polled: the other end of the process's standard input and output.
-  int descriptor() const { return descriptor_; }
-  // Writes as much of `text` as fits, and takes it away from there.
+  // Writes as much of `text` as fits within a tenth of a second, and takes it away from there.
   void write(std::string& text);
-  // Adds the whole lines that have come. False at the end of what the process says.
-  bool read(std::vector<std::string>& lines);
-  // After the end of what it says: how it ended, as "signal 11 (Segmentation fault)".
-  std::string end();
+  // Whole lines that have come; waits up to a tenth of a second for them if it may. Throws
+  // std::runtime_error if the process has ended, which tells how: "signal 11 (Segmentation fault)".
+  std::vector<std::string> read(bool mayWait);
 
  private:
+  std::string howItEnded();
+
   pid_t process_ = 0;
-  int descriptor_ = -1;
+  int descriptor_ = -1;  // the other end of its standard input and output
   std::string unread_;
 };
 

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 #include <httplib.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <csignal>
@@ -10,7 +11,6 @@
 #include <ostream>
 
 #include "sim/serve/files.hpp"
-#include "sim/serve/token.hpp"
 
 namespace sim::serve {
 
@@ -33,6 +33,21 @@ struct Refused {
   int status;
   std::string why;
 };
+
+// The system's randomness, as hexadecimal digits.
+std::string randomHex(std::size_t bytes) {
+  std::vector<unsigned char> random(bytes);
+  if (getentropy(random.data(), bytes) != 0) throw std::runtime_error("no random numbers");
+  return fmt::format("{:02x}", fmt::join(random, ""));
+}
+
+// Takes as long whatever the texts have in common.
+bool sameInConstantTime(const std::string& one, const std::string& other) {
+  int difference = one.size() == other.size() ? 0 : 1;
+  for (std::size_t i = 0; i < std::min(one.size(), other.size()); ++i)
+    difference |= one[i] ^ other[i];
+  return difference == 0;
+}
 
 void answer(Response& response, int status, const json& body) {
   response.status = status;

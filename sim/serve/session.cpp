@@ -1,9 +1,6 @@
 #include "sim/serve/session.hpp"
 
 #include <fmt/format.h>
-#include <poll.h>
-#include <sys/eventfd.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
@@ -29,15 +26,11 @@ bool endsPlay(const std::string& line) {
 }  // namespace
 
 Session::Session(std::vector<std::string> command, const SessionLimits& limits)
-    : command_(std::move(command)), limits_(limits), wake_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
-  if (wake_ < 0) throw std::runtime_error("too many files are open");
-  thread_ = std::thread([this] { work(); });
-}
+    : command_(std::move(command)), limits_(limits), thread_([this] { work(); }) {}
 
 Session::~Session() {
   end();
   thread_.join();
-  close(wake_);
 }
 
 bool Session::play(const std::string& line) {
@@ -48,7 +41,7 @@ bool Session::play(const std::string& line) {
   for (const auto& listener : listeners_)
     if (const auto next = listener.lock()) oldest = std::min(oldest, *next);
   for (; first_ < oldest; ++first_) events_.pop_front();
-  eventfd_write(wake_, 1);
+  news_.notify_all();
   return true;
 }
 
@@ -87,7 +80,6 @@ void Session::end() {
   const std::lock_guard lock(mutex_);
   ended_ = true;
   news_.notify_all();
-  eventfd_write(wake_, 1);
 }
 
 bool Session::hasEnded() {
@@ -97,71 +89,47 @@ bool Session::hasEnded() {
 
 void Session::work() {
   while (!hasEnded() && unheard() < std::chrono::seconds(limits_.withoutListener)) {
-    giveNextPlay();
-    waitForNews();
-    if (device_) hear();
+    try {
+      carryOut(nextPlay());
+    } catch (const std::exception& gone) {
+      device_.reset();
+      add(nlohmann::json{{"gone", gone.what()}}.dump());
+    }
   }
   end();
   device_.reset();
 }
 
-void Session::giveNextPlay() {
-  if (playing_) return;
-  {
-    const std::lock_guard lock(mutex_);
-    if (plays_.empty()) return;
-    unwritten_ = plays_.front();
-    plays_.pop_front();
-  }
-  try {
-    if (!device_) device_ = std::make_unique<DeviceProcessHandle>(command_);
-    playing_ = true;
-    deadline_ = Clock::now() + std::chrono::seconds(limits_.play);
-  } catch (const std::exception& error) {
-    deviceHasGone(error.what());
-  }
+// Empty if none comes within a second.
+std::string Session::nextPlay() {
+  std::unique_lock lock(mutex_);
+  news_.wait_for(lock, std::chrono::seconds(1), [this] { return ended_ || !plays_.empty(); });
+  if (plays_.empty()) return "";
+  std::string play = std::move(plays_.front());
+  plays_.pop_front();
+  return play;
 }
 
-// At most for a second: then it is looked whether somebody still listens.
-void Session::waitForNews() const {
-  using std::chrono::milliseconds;
-  const auto left = std::chrono::ceil<milliseconds>(deadline_ - Clock::now());
-  const auto time =
-      playing_ ? std::clamp(left, milliseconds(0), milliseconds(1000)) : milliseconds(1000);
-  const short writing = unwritten_.empty() ? 0 : POLLOUT;
-  pollfd watched[] = {
-      {wake_, POLLIN, 0},
-      {device_ ? device_->descriptor() : -1, static_cast<short>(POLLIN | writing), 0}};
-  poll(watched, 2, static_cast<int>(time.count()));
-  eventfd_t count = 0;
-  eventfd_read(wake_, &count);
-}
-
-void Session::hear() {
-  if (!unwritten_.empty()) device_->write(unwritten_);
-  std::vector<std::string> lines;
-  const bool speaks = device_->read(lines);
-  for (const std::string& line : lines) {
-    add(line);
-    if (endsPlay(line)) playing_ = false;
+void Session::carryOut(std::string play) {
+  if (!device_ && !play.empty()) device_ = std::make_unique<DeviceProcessHandle>(command_);
+  const auto deadline = Clock::now() + std::chrono::seconds(limits_.play);
+  bool playing = !play.empty();
+  if (!playing && device_) device_->read(false);  // it may have died
+  while (playing && !hasEnded()) {
+    if (!play.empty()) device_->write(play);
+    for (const std::string& line : device_->read(play.empty())) {
+      add(line);
+      playing = playing && !endsPlay(line);
+    }
+    if (playing && Clock::now() >= deadline)
+      throw std::runtime_error(fmt::format("it did not finish within {} s", limits_.play));
   }
-  if (!speaks)
-    deviceHasGone(device_->end());
-  else if (playing_ && Clock::now() >= deadline_)
-    deviceHasGone(fmt::format("it did not finish within {} s", limits_.play));
 }
 
 void Session::add(const std::string& event) {
   const std::lock_guard lock(mutex_);
   events_.push_back(event);
   news_.notify_all();
-}
-
-void Session::deviceHasGone(const std::string& why) {
-  device_.reset();
-  unwritten_.clear();
-  playing_ = false;
-  add(nlohmann::json{{"gone", why}}.dump());
 }
 
 }  // namespace sim::serve

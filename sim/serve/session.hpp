@@ -50,15 +50,13 @@ class Session {
 
  private:
   void work();
-  void giveNextPlay();
-  void waitForNews() const;
-  void hear();
+  std::string nextPlay();
+  void carryOut(std::string play);
   void add(const std::string& event);
-  void deviceHasGone(const std::string& why);
 
   const std::vector<std::string> command_;
   const SessionLimits limits_;
-  const int wake_;  // an event descriptor
+  std::unique_ptr<DeviceProcessHandle> device_;  // of the session's own thread
 
   std::mutex mutex_;  // of all up to `ended_`
   std::condition_variable news_;
@@ -68,12 +66,6 @@ class Session {
   std::vector<std::weak_ptr<std::uint64_t>> listeners_;
   Clock::time_point heard_ = Clock::now();
   bool ended_ = false;
-
-  // Of the session's own thread.
-  std::unique_ptr<DeviceProcessHandle> device_;
-  std::string unwritten_;
-  bool playing_ = false;
-  Clock::time_point deadline_;
 
   std::thread thread_;
 };
