@@ -45,10 +45,10 @@ bool Session::play(const std::string& line) {
   return true;
 }
 
-std::shared_ptr<std::uint64_t> Session::listen(std::optional<std::uint64_t> last) {
+std::shared_ptr<std::uint64_t> Session::listen(std::uint64_t last) {
   const std::lock_guard lock(mutex_);
   std::erase_if(listeners_, [](const auto& listener) { return listener.expired(); });
-  const std::uint64_t next = last ? *last + 1 : first_;
+  const std::uint64_t next = last == 0 ? first_ : last + 1;
   if (ended_ || listeners_.size() >= kMostListeners || next < first_ ||
       next > first_ + events_.size())
     return nullptr;

@@ -37,9 +37,9 @@ class Session {
   // Text for the device process, a line. False if too many wait.
   bool play(const std::string& line);
   // A listener, for as long as the pointer is held: the number of the event that it gets next. That
-  // is the one after `last`, or the oldest that is kept, which belongs to the last play or is
-  // older. Null if what follows `last` is not kept any more, if two listen, or at the end.
-  std::shared_ptr<std::uint64_t> listen(std::optional<std::uint64_t> last);
+  // is the one after `last`; after 0 the oldest that is kept, of the last play or older. Null if
+  // what follows `last` is not kept any more, if two listen, or at the end.
+  std::shared_ptr<std::uint64_t> listen(std::uint64_t last);
   // What the listener has not got, as server-sent events; waits up to a second for it. Nothing at
   // the end.
   std::optional<std::string> wait(std::uint64_t& next);
