@@ -221,6 +221,9 @@ class Broken(Test):
                      b"Content-Length: 2\r\nContent-Type: multipart/form-data; boundary=\r\n",
                      b"Content-Length: 2\r\nContent-Type: application/x-www-form-urlencoded\r\n"):
             self.assertIn(b" 400 ", self.served.raw(start + more + b"\r\n{}"), more)
+        # (What is read without a limit, even though a length is named.)
+        chunked = b'Content-Length: 16\r\nTransfer-Encoding: chunked\r\n\r\n10\r\n{"build":"host"}\r\n0\r\n\r\n'
+        self.assertIn(b" 400 ", self.served.raw(start + chunked))
         self.assertIn(b" 4", self.served.raw(start + b"Range: bytes=" + 2600 * b"0-," + b"\r\n\r\n"))
 
     def test_what_is_no_http(self):
@@ -296,6 +299,16 @@ class Sessions(Test):
             return back[0].response.status == 200
         self.assertTrue(eventually(comes_back))
         self.assertEqual(back[0].until("done"), events[2:])
+
+    def test_a_slow_listener_gets_everything_too(self):
+        session = self.served.session()
+        slow, fast = session.listen(), session.listen()
+        apps = [f'app a.b{number} "{number}"' for number in range(20)]
+        session.play(1, *apps, *(3000 * [""]))  # more than fits into the connection
+        events = fast.until("done")
+        session.play(2, *apps)
+        self.assertEqual(slow.until("done"), events)
+        self.assertEqual(slow.until("done"), fast.until("done"))
 
     def test_who_has_missed_something_is_told(self):
         session = self.served.session()
