@@ -2,7 +2,7 @@
 // same lines on another build or another version, with the first difference marked in both.
 import { byId, el, fill, say } from "./dom.js";
 import { explain } from "./detail.js";
-import { createLanes } from "./lanes.js";
+import { Lanes } from "./lanes.js";
 import { openSession } from "./live.js";
 import { isLive, kStartState, model, onChange, shownState, shownSteps } from "./model.js";
 import { firstDifference, kOutcomes, lanesOf, newestOf, recordOf } from "./rows.js";
@@ -38,8 +38,8 @@ function drawOther(record) {
   fill(byId("difference"), `${other.name}: ${text}`);
   if (!settled || other.found === `${mine} ${its}`) return;
   other.found = `${mine} ${its}`;
-  if (mine >= 0) main.scrollTo(mine, "middle");
-  if (its >= 0) other.lanes.scrollTo(its, "middle");
+  if (mine >= 0) main.scrollTo(mine, true);
+  if (its >= 0) other.lanes.scrollTo(its, true);
 }
 
 function drawRecord() {
@@ -81,7 +81,7 @@ async function compareWith(choice, build) {
   const version = choice.startsWith("v") ? +choice.slice(1) : null;
   const name = version ? "iOS " + kVersions.find(([, number]) => number === version)[0] : choice;
   other = { name, version, steps: [], lines: [], number: 0, busy: true, from: null, found: "", session: null,
-    lanes: createLanes(byId("second"), { label: "What happened on " + name, chosen: explain, unfold }) };
+    lanes: new Lanes(byId("second"), "What happened on " + name, explain, unfold) };
   const asked = other;
   try {
     const session = await openSession(version ? build : choice, hear, say);
@@ -91,7 +91,7 @@ async function compareWith(choice, build) {
 
 // `build` answers the build that the page is on; `builds` are all there are.
 export function startRecord(builds, build) {
-  main = createLanes(byId("first"), { label: "What happened, a row an effect", chosen: explain, unfold });
+  main = new Lanes(byId("first"), "What happened, a row an effect", explain, unfold);
   fill(byId("compare"), el("option", { value: "" }, "nothing"),
     el("optgroup", { label: "another build" }, builds.map((name) => el("option", { value: name }, name))),
     el("optgroup", { label: "another version" }, kVersions.map(([name, number]) => el("option", { value: "v" + number }, "iOS " + name))));

@@ -6,13 +6,13 @@ const kDrawn = new Set(["svg", "path", "circle", "rect", "g"]);
 export const byId = (id) => document.getElementById(id);
 
 // An element with attributes (false and null: left out; true: empty) and children (texts, elements,
-// arrays of them; false and null: left out).
+// arrays of them; false, null and empty: left out).
 export function el(tag, attributes = {}, ...children) {
   const node = kDrawn.has(tag) ? document.createElementNS("http://www.w3.org/2000/svg", tag)
                                : document.createElement(tag);
   for (const [name, value] of Object.entries(attributes))
     if (value !== false && value != null) node.setAttribute(name, value === true ? "" : value);
-  node.append(...children.flat(Infinity).filter((child) => child !== false && child != null));
+  node.append(...children.flat(Infinity).filter((child) => child || child === 0));
   return node;
 }
 
@@ -32,7 +32,7 @@ function keepAttributes(now, wanted) {
 // Makes `host` hold exactly these nodes, changing as little as possible: what stays keeps its focus
 // and its selection.
 export function fill(host, ...nodes) {
-  const wanted = nodes.flat(Infinity).filter((node) => node !== false && node != null)
+  const wanted = nodes.flat(Infinity).filter((node) => node || node === 0)
     .map((node) => (node instanceof Node ? node : new Text(node)));
   wanted.forEach((node, at) => {
     const now = host.childNodes[at];
@@ -53,5 +53,10 @@ export function onPress(host, attribute, act) {
   });
 }
 
-// Says something to everyone, also to a screen reader.
-export function say(text) { byId("said").textContent = text; }
+// Says something to everyone, also to a screen reader, for a while.
+let silence = 0;
+export function say(text) {
+  byId("said").textContent = text;
+  clearTimeout(silence);
+  silence = setTimeout(() => { byId("said").textContent = ""; }, 8000);
+}

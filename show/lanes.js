@@ -4,122 +4,126 @@ import { el, fill } from "./dom.js";
 import { arrowsOf, kOutcomes, lanesOf } from "./rows.js";
 import { appName, clock, hueOf, letters } from "./words.js";
 
-const kRow = 46;
+const kRow = 46;  // pixels, as in the style
 const kShapes = {
-  taken: "M0-7 7 0 0 7-7 0z", passed: "M-5-5H5V5H-5z", own: "M-5 0a5 5 0 1 0 10 0a5 5 0 1 0-10 0", signal: "M-5-6 7 0-5 6z",
-  arrives: "M5-6-7 0 5 6z", system: "M-4-4H4V4H-4z", timer: "M-5-6H5L-5 6H5z", life: "M-7-2H7V2H-7z", crash: "M-6-6 6 6M6-6-6 6",
+  taken: "M0-7 7 0 0 7-7 0z", passed: "M-5-5H5V5H-5z", own: "M-5 0a5 5 0 1 0 10 0a5 5 0 1 0-10 0",
+  signal: "M-5-6 7 0-5 6z", arrives: "M5-6-7 0 5 6z", system: "M-4-4H4V4H-4z", timer: "M-5-6H5L-5 6H5z",
+  life: "M-7-2H7V2H-7z", crash: "M-6-6 6 6M6-6-6 6",
 };
+const kSteps = { ArrowDown: 1, ArrowUp: -1, PageDown: 10, PageUp: -10, End: Infinity, Home: -Infinity };
+let recordsMade = 0;
 
-let lists = 0;
+export class Lanes {
+  record = [];
+  arrows = [];
+  lanes = [];
+  pitch = 24;
+  at = -1;      // the chosen row
+  marked = -1;  // the first that differs
 
-// `chosen` is told of the item that is chosen, `unfold` when a folded one is opened.
-export function createLanes(host, { label, chosen, unfold }) {
-  const number = ++lists;
-  const head = el("div", { class: "lane-heads" });
-  const space = el("div", { class: "space", role: "presentation" });
-  const box = el("div", { class: "record", role: "listbox", tabindex: "0", "aria-label": label }, space);
-  fill(host, head, box);
-  const list = { record: [], lanes: [], arrows: [], at: -1, marked: -1, state: null, pitch: 24 };
-  const laneX = (process) => 14 + list.lanes.indexOf(process) * list.pitch;
-  const middle = (at) => at * kRow + kRow / 2;
-
-  function row(item, at) {
-    const command = !item.process;
-    return el("div", { id: `row-${number}-${at}`, class: `row ${item.outcome}${at === list.marked ? " differs" : ""}`, role: "option", "data-at": at,
-        "aria-selected": String(at === list.at), "aria-posinset": at + 1, "aria-setsize": list.record.length },
-      el("span", { class: "time" }, clock(item.time)),
-      el("span", { class: "strip", "aria-hidden": "true" }),
-      el("span", { class: "words" },
-        el("span", { class: "what" }, el("b", { class: "tag" }, at === list.marked ? "first difference" : kOutcomes[item.outcome]),
-          !command && el("span", { class: "who" }, appName(item.process, list.state)), el("span", { class: "text" }, item.text)),
-        el("code", {}, item.folded ? "" : item.call)));
+  // `chosen` is told of the item that is chosen, `unfold` when a folded one is opened.
+  constructor(host, label, chosen, unfold) {
+    Object.assign(this, { host, chosen, unfold, number: ++recordsMade });
+    this.head = el("div", { class: "lane-heads" });
+    this.space = el("div", { class: "space", role: "presentation" });
+    this.box = el("div", { class: "record", role: "listbox", tabindex: "0", "aria-label": label }, this.space);
+    fill(host, this.head, this.box);
+    this.box.addEventListener("keydown", (event) => this.key(event));
+    this.box.addEventListener("click", (event) => {
+      const pressed = event.target.closest("[data-at]");
+      if (pressed && !String(getSelection())) this.choose(+pressed.dataset.at);
+    });
+    let asked = 0;
+    this.box.addEventListener("scroll", () => {
+      asked ||= requestAnimationFrame(() => { asked = 0; this.draw(); });
+    });
+    new ResizeObserver(() => this.draw()).observe(this.box);
   }
 
-  // Lanes, marks and arrows of the rows from `first` to `end`, in one picture above them.
-  function picture(first, end) {
-    const width = 14 + Math.max(1, list.lanes.length) * list.pitch;
-    const top = first * kRow;
-    const strokes = list.lanes.map((process) => el("path", { class: "lane " + hueOf(process), d: `M${laneX(process)} 0V${(end - first) * kRow}` }));
-    for (const [from, to] of list.arrows) {
-      if (to < first || from >= end) continue;
-      const x = laneX(list.record[from].process), y = middle(from) - top, x2 = laneX(list.record[to].process), y2 = middle(to) - top;
-      const bend = x === x2 ? x + list.pitch * 0.7 : (x + x2) / 2;
-      strokes.push(el("path", { class: "arrow", d: `M${x} ${y}C${bend} ${y + 14} ${bend} ${y2 - 14} ${x2} ${y2}` }));
-    }
-    for (let at = first; at < end; ++at) {
-      const { process, outcome } = list.record[at];
-      if (process) strokes.push(el("path", { class: "mark " + outcome, transform: `translate(${laneX(process)} ${middle(at) - top})`, d: kShapes[outcome] }));
-    }
-    const drawn = el("svg", { class: "lanes", width, height: (end - first) * kRow, "aria-hidden": "true" }, strokes);
-    return [drawn, width, top];
+  // Shows another record. If it ends elsewhere, the newest command and what it did come into view.
+  show(record, state) {
+    const item = this.record[this.at];
+    const moved = record.at(-1)?.step !== this.record.at(-1)?.step;
+    const lanes = lanesOf(record);
+    Object.assign(this, { record, state, lanes, pitch: lanes.length > 8 ? 16 : 24, arrows: arrowsOf(record) });
+    this.at = item ? record.findIndex((one) => one.step === item.step && one.index === item.index) : -1;
+    this.space.style.height = record.length * kRow + "px";
+    fill(this.head, el("span", { class: "time" }, "time"),
+      lanes.map((process) => el("span", { class: "icon tiny " + hueOf(process), title: process }, letters(appName(process, state)))),
+      el("span", { class: "names" }, lanes.map((process) => appName(process, state)).join(" · ") || "no process yet"));
+    if (moved) this.box.scrollTop = Math.max(0, record.findLastIndex((one) => one.index < 0 && !one.folded)) * kRow;
+    this.draw();
   }
 
-  function draw() {
+  scrollTo(at, middle = false) {
+    const top = at * kRow, room = this.box.clientHeight;
+    if (middle) this.box.scrollTop = top - room / 2;
+    else this.box.scrollTop = Math.max(top + kRow - room, Math.min(top, this.box.scrollTop));
+    this.draw();
+  }
+
+  choose(at) {
+    const item = this.record[at];
+    if (item?.folded) return this.unfold();
+    this.at = at;
+    this.scrollTo(at);
+    if (item) this.chosen(item);
+  }
+
+  key(event) {
+    if (event.key === "Enter" && this.record[this.at]?.folded) return this.unfold();
+    const by = kSteps[event.key];
+    if (!by) return;
+    event.preventDefault();
+    const from = this.at < 0 ? Math.floor(this.box.scrollTop / kRow) - Math.sign(by) : this.at;
+    const to = Math.max(0, Math.min(this.record.length - 1, from + by));
+    if (!this.record[to]?.folded) return this.choose(to);
+    this.at = to;
+    this.scrollTo(to);
+  }
+
+  draw() {
+    const { box, record } = this;
     const first = Math.max(0, Math.floor(box.scrollTop / kRow) - 4);
-    const end = Math.min(list.record.length, Math.ceil((box.scrollTop + box.clientHeight) / kRow) + 4);
-    const [drawn, width, top] = picture(first, end);
-    const rows = [];
-    for (let at = first; at < end; ++at) rows.push(row(list.record[at], at));
-    space.style.height = list.record.length * kRow + "px";
-    host.style.setProperty("--strip", width + "px");
-    fill(space, el("div", { class: "seen", role: "presentation" }, drawn, rows));
-    space.firstChild.style.top = top + "px";
-    if (list.at >= first && list.at < end) box.setAttribute("aria-activedescendant", `row-${number}-${list.at}`);
+    const end = Math.min(record.length, Math.ceil((box.scrollTop + box.clientHeight) / kRow) + 4);
+    this.host.style.setProperty("--strip", this.width() + "px");
+    fill(this.space, el("div", { class: "seen", role: "presentation" }, this.picture(first, end),
+      record.slice(first, end).map((item, at) => this.row(item, first + at))));
+    this.space.firstChild.style.top = first * kRow + "px";
+    if (this.at >= first && this.at < end) box.setAttribute("aria-activedescendant", this.idOf(this.at));
     else box.removeAttribute("aria-activedescendant");
   }
 
-  function drawHeads() {
-    fill(head, el("span", { class: "time" }, "time"), list.lanes.map((process) => el("span", { class: "icon tiny " + hueOf(process), title: process }, letters(appName(process, list.state)))),
-      el("span", { class: "names" }, list.lanes.map((process) => appName(process, list.state)).join(" · ") || "no process yet"));
+  idOf(at) { return `row-${this.number}-${at}`; }
+  width() { return 14 + Math.max(1, this.lanes.length) * this.pitch; }
+  laneX(process) { return 14 + this.lanes.indexOf(process) * this.pitch; }
+
+  row(item, at) {
+    const differs = at === this.marked;
+    return el("div", { id: this.idOf(at), class: `row ${item.outcome}${differs ? " differs" : ""}`, role: "option", "data-at": at,
+        "aria-selected": String(at === this.at), "aria-posinset": at + 1, "aria-setsize": this.record.length },
+      el("span", { class: "time" }, clock(item.time)),
+      el("span", { class: "strip", "aria-hidden": "true" }),
+      el("span", { class: "words" },
+        el("span", { class: "what" },
+          el("b", { class: "tag" }, differs ? "first difference" : kOutcomes[item.outcome]),
+          item.process && el("span", { class: "who" }, appName(item.process, this.state)),
+          el("span", { class: "text" }, item.text)),
+        el("code", {}, item.folded ? "" : item.call)));
   }
 
-  list.scrollTo = (at, where = "near") => {
-    const top = at * kRow;
-    if (where === "middle") box.scrollTop = top - box.clientHeight / 2;
-    else if (top < box.scrollTop) box.scrollTop = top;
-    else if (top + kRow > box.scrollTop + box.clientHeight) box.scrollTop = top + kRow - box.clientHeight;
-    draw();
-  };
-  list.choose = (at) => {
-    if (!list.record[at]) return;
-    if (list.record[at].folded) return unfold();
-    list.at = at;
-    list.scrollTo(at);
-    chosen(list.record[at], list);
-  };
-  // Shows another record. If it ends elsewhere, the newest command and what it did come into view.
-  list.show = (record, state) => {
-    const item = list.record[list.at];
-    const newest = record.findLastIndex((one) => one.index < 0 && !one.folded);
-    const grown = record.at(-1)?.step !== list.record.at(-1)?.step;
-    space.style.height = record.length * kRow + "px";
-    const lanes = lanesOf(record);
-    Object.assign(list, { record, state, lanes, pitch: lanes.length > 8 ? 16 : 24, arrows: arrowsOf(record) });
-    list.at = item ? record.findIndex((one) => one === item || (one.step === item.step && one.index === item.index)) : -1;
-    drawHeads();
-    if (grown) box.scrollTop = Math.max(0, newest) * kRow;
-    draw();
-  };
-
-  const kSteps = { ArrowDown: 1, ArrowUp: -1, PageDown: 10, PageUp: -10, End: Infinity, Home: -Infinity };
-  box.addEventListener("keydown", (event) => {
-    if (!(event.key in kSteps)) return;
-    event.preventDefault();
-    const start = list.at < 0 ? Math.floor(box.scrollTop / kRow) - Math.sign(kSteps[event.key]) : list.at;
-    const to = Math.max(0, Math.min(list.record.length - 1, start + kSteps[event.key]));
-    if (list.record[to]?.folded) { list.at = to; list.scrollTo(to); } else list.choose(to);
-  });
-  box.addEventListener("keydown", (event) => { if (event.key === "Enter" && list.record[list.at]?.folded) unfold(); });
-  box.addEventListener("click", (event) => {
-    const pressed = event.target.closest("[data-at]");
-    if (pressed && !String(getSelection())) list.choose(+pressed.dataset.at);
-  });
-  let asked = false;
-  box.addEventListener("scroll", () => {
-    if (asked) return;
-    asked = true;
-    requestAnimationFrame(() => { asked = false; draw(); });
-  });
-  new ResizeObserver(draw).observe(box);
-  return list;
+  // Lanes, arrows and marks of the rows from `first` to `end`, in one picture above them.
+  picture(first, end) {
+    const height = (end - first) * kRow;
+    const middle = (at) => (at - first) * kRow + kRow / 2;
+    const lanes = this.lanes.map((process) => el("path", { class: "lane " + hueOf(process), d: `M${this.laneX(process)} 0V${height}` }));
+    const arrows = this.arrows.filter(([from, to]) => to >= first && from < end).map(([from, to]) => {
+      const x = this.laneX(this.record[from].process), there = this.laneX(this.record[to].process);
+      const bend = x === there ? x + this.pitch * 0.7 : (x + there) / 2;
+      return el("path", { class: "arrow", d: `M${x} ${middle(from)}C${bend} ${middle(from) + 14} ${bend} ${middle(to) - 14} ${there} ${middle(to)}` });
+    });
+    const marks = this.record.slice(first, end).map(({ process, outcome }, at) => process &&
+      el("path", { class: "mark " + outcome, transform: `translate(${this.laneX(process)} ${middle(first + at)})`, d: kShapes[outcome] }));
+    return el("svg", { class: "lanes", width: this.width(), height, "aria-hidden": "true" }, lanes, arrows, marks);
+  }
 }
