@@ -1,12 +1,13 @@
 // What lies around the phone and can be plugged in or pressed.
 import { action, byId, el, fill, onPress } from "./dom.js";
-import { act, isLive, onChange, shownState } from "./model.js";
+import { act, isLive, kLooking, onChange, shownState } from "./model.js";
 import { appName, kWatchApp } from "./words.js";
 
+// Buttons: [label, lines, why it cannot be pressed now, whether it is how things stand].
 function group(name, off, ...buttons) {
   return el("div", { class: "thing", role: "group", "aria-label": name }, el("h3", {}, name),
-    el("div", {}, buttons.filter(Boolean).map(([label, lines, why, pressed]) =>
-      action(label, lines, isLive() ? off || why : "a recording can only be looked at", pressed == null ? {} : { "aria-pressed": String(pressed) }))));
+    el("div", {}, buttons.map(([label, lines, why, pressed]) =>
+      action(label, lines, isLive() ? off || why : kLooking, { "aria-pressed": pressed == null ? null : String(pressed) }))));
 }
 
 function watch(state, off) {
@@ -36,10 +37,13 @@ function drawThings() {
     group("Accessory", off, ["Play", "remote 0"], ["Play/Pause", "remote 2"], ["Pause", "remote 1"], ["Next", "remote 4"]),
     watch(state, off),
     group("Phone call", null, state.inCall ? ["End", "call no"] : ["Begin", "call yes"]),
-    group("Network", null, ["On", "network 0x2", null, Boolean(state.network)], ["Off", "network 0x0", null, !state.network]),
+    group("Network", null, ["On", "network 0x2", null, Boolean(state.network)],
+      ["Off", "network 0x0", null, !state.network]),
     music(state, off),
-    state.addOns.length > 0 && group("Widgets", off, ...state.addOns.map((name) => [name, kWidgetLines[name] ?? "widget " + name])),
-    silent.length > 0 && group("In the background", off, ...silent.flatMap((app) => [["Play in " + app.name, `remote 2 in ${app.id}`], ["End " + app.name, "end " + app.id]])),
+    state.addOns.length > 0 && group("Widgets", off,
+      ...state.addOns.map((name) => [name, kWidgetLines[name] ?? "widget " + name])),
+    silent.length > 0 && group("In the background", off, ...silent.flatMap((app) =>
+      [["Play in " + app.name, `remote 2 in ${app.id}`], ["End " + app.name, "end " + app.id]])),
     group("Phone", null, ["Restart it", "boot", !state.springBoard && "the phone is off"]));
 }
 

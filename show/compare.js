@@ -18,7 +18,8 @@ function unfold() { filter.folded = false; drawRecord(); }
 
 function drawFilters(record) {
   const state = shownState();
-  const kept = (id, first, choices) => fill(byId(id), el("option", { value: "" }, first), choices.map(([value, name]) => el("option", { value, selected: value === filter[id.slice(3)] }, name)));
+  const kept = (id, first, choices) => fill(byId(id), el("option", { value: "" }, first),
+    choices.map(([value, name]) => el("option", { value, selected: value === filter[id.slice(3)] }, name)));
   const processes = new Set([...state.processes.map((process) => process.id), ...lanesOf(record)]);
   kept("by-process", "all processes", [...processes].map((id) => [id, appName(id, state)]));
   kept("by-outcome", "all kinds", Object.entries(kOutcomes));
@@ -94,7 +95,8 @@ export function startRecord(builds, build) {
   main = new Lanes(byId("first"), "What happened, a row an effect", explain, unfold);
   fill(byId("compare"), el("option", { value: "" }, "nothing"),
     el("optgroup", { label: "another build" }, builds.map((name) => el("option", { value: name }, name))),
-    el("optgroup", { label: "another version" }, kVersions.map(([name, number]) => el("option", { value: "v" + number }, "iOS " + name))));
+    el("optgroup", { label: "another version" },
+      kVersions.map(([name, number]) => el("option", { value: "v" + number }, "iOS " + name))));
   byId("compare").disabled = !isLive();
   byId("compare").addEventListener("change", (event) => compareWith(event.target.value, build()));
   byId("filters").addEventListener("input", () => {

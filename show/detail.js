@@ -1,5 +1,5 @@
 // One row explained: a sentence, the hook that decided and what it looked at, and every call behind it.
-import { byId, el, fill, onPress } from "./dom.js";
+import { byId, el, fill, onPress, span } from "./dom.js";
 import { explainQuestion, explainRow } from "./explain.js";
 import { isLive, model, moveTo, play } from "./model.js";
 import { kOutcomes } from "./rows.js";
@@ -38,11 +38,13 @@ function answers(rows, index, state) {
   const asked = new Map();
   for (const [at] of inside(rows, rootOf(rows, index))) {
     // A number says what it is when it is asked next.
-    const number = rows[at].answer === "<NSNumber>" && rows.slice(at + 1, at + 12).find((row) => row.call.endsWith(" boolValue]"));
+    const number = rows[at].answer === "<NSNumber>" &&
+      rows.slice(at + 1, at + 12).find((row) => row.call.endsWith(" boolValue]"));
     const question = explainQuestion(number ? { ...rows[at], answer: number.answer } : rows[at], state);
     if (question && !asked.has(question[0])) asked.set(...question);
   }
-  return asked.size > 0 && el("dl", {}, [...asked].map(([question, answer]) => el("div", {}, el("dt", {}, question), el("dd", {}, answer))));
+  return asked.size > 0 && el("dl", {}, [...asked].map(([question, answer]) =>
+    el("div", {}, el("dt", {}, question), el("dd", {}, answer))));
 }
 
 function decision(rows, index) {
@@ -52,8 +54,9 @@ function decision(rows, index) {
     kDecided[rows[root].kind] && el("p", {}, kDecided[rows[root].kind], " ", el("code", {}, rows[root].call)),
     el("details", { "data-key": "calls" }, el("summary", {}, `Every call behind it (${behind.length})`),
       el("ol", { class: "calls" }, behind.slice(0, 400).map(([at, depth]) =>
-        el("li", { class: (at === index ? "here " : "") + rows[at].kind + " deep-" + Math.min(depth, 8) }, el("code", {}, rows[at].call || rows[at].kind),
-          rows[at].answer != null && el("span", { class: "answer" }, " = " + rows[at].answer))),
+        el("li", { class: `${at === index ? "here " : ""}${rows[at].kind} deep-${Math.min(depth, 8)}` },
+          el("code", {}, rows[at].call || rows[at].kind),
+          rows[at].answer != null && span("answer", " = " + rows[at].answer))),
         behind.length > 400 && el("li", {}, `… and ${behind.length - 400} more`))),
   ];
 }
@@ -63,9 +66,11 @@ export function explain(item) {
   const row = item.step.rows[item.index];
   fill(byId("detail"),
     el("h3", {}, row ? explainRow(row, item.step.state) : item.text),
-    el("p", { class: "facts" }, el("b", { class: "tag " + item.outcome }, kOutcomes[item.outcome]), row && " in " + appName(row.process, item.step.state),
+    el("p", { class: "facts" }, el("b", { class: "tag " + item.outcome }, kOutcomes[item.outcome]),
+      row && " in " + appName(row.process, item.step.state),
       ` at ${clock(item.time)}, line ${item.step.step + 1}`,
-      el("span", { class: "pair" }, row?.kind === "effect" && isLive() && el("button", { type: "button", "data-row": "expect" }, "Expect this"),
+      span("pair",
+        row?.kind === "effect" && isLive() && el("button", { type: "button", "data-row": "expect" }, "Expect this"),
         el("button", { type: "button", "data-row": "go" }, "Go there"))),
     row && answers(item.step.rows, item.index, item.step.state),
     el("code", { class: "call" }, item.call),

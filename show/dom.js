@@ -16,9 +16,13 @@ export function el(tag, attributes = {}, ...children) {
   return node;
 }
 
+export const div = (name, ...children) => el("div", { class: name }, ...children);
+export const span = (name, ...children) => el("span", { class: name }, ...children);
+
 // A button that plays scenario lines. `why` says what it waits for, if it cannot be pressed now.
 export function action(label, lines, why, attributes = {}) {
-  return el("button", { type: "button", "data-do": lines, disabled: Boolean(why), title: why || lines, ...attributes }, label);
+  return el("button", { type: "button", "data-do": lines, disabled: Boolean(why), title: why || lines,
+    ...attributes }, label);
 }
 
 function keepAttributes(now, wanted) {

@@ -110,7 +110,7 @@ function fitting(table, text, state) {
 
 export function explainCommand(line, state) {
   const tap = /^tap-transport (\d+)$/.exec(line);
-  if (tap) return +tap[1] === playControl(state.version) ? "Play is pressed on the media controls." : "A media control other than Play is pressed.";
+  if (tap) return (+tap[1] === playControl(state.version) ? "Play" : "Another button") + " is pressed on the media controls.";
   return fitting(kCommandWords, line, state) ?? line;
 }
 
@@ -124,7 +124,8 @@ export function explainRow(row, state) {
   const post = /^notify_post\("(.*)"\)/.exec(row.call);
   if (post) return `${process} tells everybody: “${kSignals.get(post[1]) ?? post[1]}”.`;
   const plain = fitting(kCallWords, row.call, state);
-  if (row.kind === "hook") return "The library answers in the system's place: " + (plain ?? "a call.").replace(/^[AT](?=n? |h)/, (first) => first.toLowerCase());
+  if (row.kind === "hook")
+    return "The library answers in the system's place: " + (plain ?? "a call.").replace(/^(A|An|The|What) /, (word) => word.toLowerCase());
   if (plain) return plain;
   return row.by === "passed" ? "The library looks at this call and passes it on." : "The phone is asked for this.";
 }
@@ -136,7 +137,8 @@ export function explainQuestion(row, state) {
     const name = kSettingNames.get(setting[1]);
     if (!name) return null;
     const text = /^"(.*)"$/.exec(row.answer ?? "");
-    return ["Setting “" + name + "”", text ? appName(text[1], state) : { YES: "on", 1: "on", NO: "off", 0: "off" }[row.answer] ?? "not set"];
+    const said = { YES: "on", 1: "on", NO: "off", 0: "off" }[row.answer] ?? "not set";
+    return ["Setting “" + name + "”", text ? appName(text[1], state) : said];
   }
   const question = row.answer != null && /^[-+]\[/.test(row.call) && fitting(kQuestions, row.call, state);
   return question ? [question, { YES: "yes", NO: "no" }[row.answer] ?? row.answer] : null;

@@ -1,6 +1,6 @@
 // The record drawn: a lane for each process, time downwards, arrows from a signal to whoever hears it.
 // Only the rows that can be seen exist; all have one height.
-import { el, fill } from "./dom.js";
+import { div, el, fill, span } from "./dom.js";
 import { arrowsOf, kOutcomes, lanesOf } from "./rows.js";
 import { appName, clock, hueOf, letters } from "./words.js";
 
@@ -24,7 +24,7 @@ export class Lanes {
   // `chosen` is told of the item that is chosen, `unfold` when a folded one is opened.
   constructor(host, label, chosen, unfold) {
     Object.assign(this, { host, chosen, unfold, number: ++recordsMade });
-    this.head = el("div", { class: "lane-heads" });
+    this.head = div("lane-heads");
     this.space = el("div", { class: "space", role: "presentation" });
     this.box = el("div", { class: "record", role: "listbox", tabindex: "0", "aria-label": label }, this.space);
     fill(host, this.head, this.box);
@@ -48,9 +48,9 @@ export class Lanes {
     Object.assign(this, { record, state, lanes, pitch: lanes.length > 8 ? 16 : 24, arrows: arrowsOf(record) });
     this.at = item ? record.findIndex((one) => one.step === item.step && one.index === item.index) : -1;
     this.space.style.height = record.length * kRow + "px";
-    fill(this.head, el("span", { class: "time" }, "time"),
-      lanes.map((process) => el("span", { class: "icon tiny " + hueOf(process), title: process }, letters(appName(process, state)))),
-      el("span", { class: "names" }, lanes.map((process) => appName(process, state)).join(" · ") || "no process yet"));
+    fill(this.head, span("time", "time"),
+      lanes.map((process) => span("icon tiny " + hueOf(process), letters(appName(process, state)))),
+      span("names", lanes.map((process) => appName(process, state)).join(" · ") || "no process yet"));
     if (moved) this.box.scrollTop = Math.max(0, record.findLastIndex((one) => one.index < 0 && !one.folded)) * kRow;
     this.draw();
   }
@@ -100,15 +100,16 @@ export class Lanes {
 
   row(item, at) {
     const differs = at === this.marked;
-    return el("div", { id: this.idOf(at), class: `row ${item.outcome}${differs ? " differs" : ""}`, role: "option", "data-at": at,
-        "aria-selected": String(at === this.at), "aria-posinset": at + 1, "aria-setsize": this.record.length },
-      el("span", { class: "time" }, clock(item.time)),
-      el("span", { class: "strip", "aria-hidden": "true" }),
+    return el("div", { id: this.idOf(at), class: `row ${item.outcome}${differs ? " differs" : ""}`, "data-at": at,
+        role: "option", "aria-selected": String(at === this.at), "aria-posinset": at + 1,
+        "aria-setsize": this.record.length },
+      span("time", clock(item.time)),
+      span("strip"),
       el("span", { class: "words" },
         el("span", { class: "what" },
           el("b", { class: "tag" }, differs ? "first difference" : kOutcomes[item.outcome]),
-          item.process && el("span", { class: "who" }, appName(item.process, this.state)),
-          el("span", { class: "text" }, item.text)),
+          item.process && span("who", appName(item.process, this.state)),
+          span("text", item.text)),
         el("code", {}, item.folded ? "" : item.call)));
   }
 
@@ -116,14 +117,16 @@ export class Lanes {
   picture(first, end) {
     const height = (end - first) * kRow;
     const middle = (at) => (at - first) * kRow + kRow / 2;
-    const lanes = this.lanes.map((process) => el("path", { class: "lane " + hueOf(process), d: `M${this.laneX(process)} 0V${height}` }));
+    const line = (name, d, transform) => el("path", { class: name, d, transform });
+    const lanes = this.lanes.map((process) => line("lane " + hueOf(process), `M${this.laneX(process)} 0V${height}`));
     const arrows = this.arrows.filter(([from, to]) => to >= first && from < end).map(([from, to]) => {
       const x = this.laneX(this.record[from].process), there = this.laneX(this.record[to].process);
       const bend = x === there ? x + this.pitch * 0.7 : (x + there) / 2;
-      return el("path", { class: "arrow", d: `M${x} ${middle(from)}C${bend} ${middle(from) + 14} ${bend} ${middle(to) - 14} ${there} ${middle(to)}` });
+      const y = middle(from), below = middle(to);
+      return line("arrow", `M${x} ${y}C${bend} ${y + 14} ${bend} ${below - 14} ${there} ${below}`);
     });
     const marks = this.record.slice(first, end).map(({ process, outcome }, at) => process &&
-      el("path", { class: "mark " + outcome, transform: `translate(${this.laneX(process)} ${middle(first + at)})`, d: kShapes[outcome] }));
+      line("mark " + outcome, kShapes[outcome], `translate(${this.laneX(process)} ${middle(first + at)})`));
     return el("svg", { class: "lanes", width: this.width(), height, "aria-hidden": "true" }, lanes, arrows, marks);
   }
 }

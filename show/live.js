@@ -20,7 +20,9 @@ export async function openSession(build, hear, fail) {
   const { session } = await (await ask("sessions", posting({ build }))).json();
   const events = new EventSource(`sessions/${session}/events`);
   events.onmessage = (message) => hear(JSON.parse(message.data));
-  events.onerror = () => { if (events.readyState === EventSource.CLOSED) fail("The server has gone. Start it again and load this page anew."); };
+  events.onerror = () => {
+    if (events.readyState === EventSource.CLOSED) fail("The server has gone. Start it again and load this page anew.");
+  };
   await new Promise((resolve) => { events.onopen = resolve; setTimeout(resolve, 1000); });
   return {
     // Plays reach the server in the order of their numbers.

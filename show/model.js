@@ -30,6 +30,7 @@ let before = () => [];
 
 export const onChange = (listener) => listeners.push(listener);
 export const isLive = () => send !== null;
+export const kLooking = "a recording can only be looked at";
 export const canUndo = () => past.length > 0;
 export function connect(sender) { send = sender; }
 // Lines that have to come before whatever is done next: time that has passed meanwhile.

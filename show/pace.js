@@ -1,7 +1,8 @@
 // Time: stepping, playing at real pace, the next timer, dragging back. While time runs at real pace the
 // clock on the screen runs by itself and the device is told only when a timer is due.
 import { byId, fill, onPress, say } from "./dom.js";
-import { canUndo, changed, comesBefore, failedStep, isLive, model, moveTo, onChange, play, shownState, shownSteps, undo } from "./model.js";
+import { canUndo, changed, comesBefore, failedStep, isLive, model, moveTo } from "./model.js";
+import { onChange, play, shownState, shownSteps, undo } from "./model.js";
 import { clock, exactSeconds } from "./words.js";
 
 const kBetweenLines = 450;  // ms between recorded lines that take no time of their own
@@ -34,13 +35,14 @@ function tick() {
     const next = model.steps[model.cursor];
     if (!next) return stop();
     const took = (next.state.time - shownState().time) / 1000;
-    wake = setTimeout(() => { moveTo(model.cursor + 1); since = performance.now(); }, Math.max(kBetweenLines * Boolean(next.line), took));
+    wake = setTimeout(() => moveTo(model.cursor + 1), Math.max(next.line ? kBetweenLines : 0, took));
     return;
   }
   if (!isLive()) return stop();
   const { time, nextTimer, springBoard } = shownState();
   if (nextTimer == null || !springBoard) return;
-  wake = setTimeout(() => { if (running && atEnd() && !model.busy) wait(nextTimer - time); }, Math.max(0, (nextTimer - time - elapsed()) / 1000));
+  const due = () => { if (running && atEnd() && !model.busy) wait(nextTimer - time); };
+  wake = setTimeout(due, Math.max(0, (nextTimer - time - elapsed()) / 1000));
 }
 
 function stop() {

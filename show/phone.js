@@ -1,14 +1,15 @@
 // The phone: a picture of the state, made of buttons that play the lines a finger would.
-import { action, byId, el, fill, onPress } from "./dom.js";
-import { act, isLive, model, onChange, shownState } from "./model.js";
+import { action, byId, div, el, fill, onPress, span } from "./dom.js";
+import { act, isLive, kLooking, model, onChange, shownState } from "./model.js";
 import { appName, hueOf, kSettingsApp, letters, playControl } from "./words.js";
 
 let over = null;       // "cards" or "controls": what lies over the screen, of the page's own doing
 let chooserOpen = null;  // the label of the list of apps that a finger has opened
 
-const kLooking = "a recording can only be looked at";
 const reason = (...reasons) => (isLive() ? reasons.find(Boolean) : kLooking);
 const icon = (id, name) => el("span", { class: "icon " + hueOf(id), "aria-hidden": "true" }, letters(name));
+// A whole screen. Another name is another one, whatever it has in common with the one before.
+const whole = (name, ...content) => el("div", { class: name, "data-key": name }, ...content);
 const own = (label, ui, attributes = {}) => el("button", { type: "button", "data-ui": ui, ...attributes }, label);
 const glyph = (path) => el("svg", { viewBox: "0 0 24 24", "aria-hidden": "true" }, el("path", { d: path }));
 
@@ -22,9 +23,9 @@ function mediaControls(state) {
   const button = (label, number, path, kind) =>
     action(glyph(path), "tap-transport " + number, reason(), { "aria-label": label, class: "round " + kind });
   return el("section", { class: "media", "aria-label": "Media controls" },
-    action([el("b", {}, title || "Nothing loaded"), el("small", {}, !state.track ? "nothing is loaded" : playing ? "playing" : "paused")],
-      "tap-title", reason(), { class: "title" }),
-    el("div", { class: "transport" }, button("Previous", 1, kBack, "small"),
+    action([el("b", {}, title || "Nothing loaded"),
+      el("small", {}, !state.track ? "nothing is loaded" : playing ? "playing" : "paused")], "tap-title", reason(), { class: "title" }),
+    div("transport", button("Previous", 1, kBack, "small"),
       button(playing ? "Pause" : "Play", control, playing ? kPause : kPlay, "big"), button("Next", 5, kNext, "small")));
 }
 
@@ -32,18 +33,19 @@ const virtualClock = () => el("p", { class: "virtual-clock big-clock" }, byId("c
 
 function lockScreen(state) {
   if (state.passcode) {
-    return el("div", { class: "lock passcode", "data-key": "passcode" }, el("h2", {}, "Passcode"),
+    return whole("lock passcode", el("h2", {}, "Passcode"),
       el("p", { class: "dots", "aria-hidden": "true" }, "● ● ● ○"),
       action("Enter it", "unlock", reason(), { class: "main" }), action("Cancel", "passcode no yes no", reason()));
   }
-  return el("div", { class: "lock", "data-key": "lock" }, virtualClock(), el("p", { class: "faint" }, "Locked"), mediaControls(state),
-    el("div", { class: "pair" }, action("Unlock", "unlock", reason(), { class: "main" }),
+  return whole("lock", virtualClock(), el("p", { class: "faint" }, "Locked"), mediaControls(state),
+    div("pair", action("Unlock", "unlock", reason(), { class: "main" }),
       action("Ask for passcode", "passcode yes yes no", reason()), action("Drag", "drag-lock-screen", reason())));
 }
 
 function homeScreen(state) {
-  const one = (id, name, lines, badge) => el("li", {}, action([icon(id, name), el("span", {}, name), badge && el("span", { class: "badge" }, badge)], lines, reason()));
-  return el("div", { class: "home", "data-key": "home" }, el("ul", { class: "icons" },
+  const one = (id, name, lines, badge) => el("li", {},
+    action([icon(id, name), el("span", {}, name), badge && span("badge", badge)], lines, reason()));
+  return whole("home", el("ul", { class: "icons" },
     state.apps.map((app) => one(app.id, app.name, "tap-icon " + app.id, app.running || app.live ? "running" : null)),
     one(kSettingsApp, "Settings", "settings open", null)));
 }
@@ -53,41 +55,42 @@ function appScreen(state) {
   const name = appName(id, state);
   const live = state.processes.some((process) => process.id === id);
   const track = state.track?.app === id ? (state.track.playing ? "plays" : "is paused") : "is silent";
-  return el("div", { class: "app " + hueOf(id), "data-key": "app " + id }, icon(id, name), el("h2", {}, name), el("p", {}, name + " " + track + "."),
-    action("Press Play in here", "remote 2 in " + id, reason(!live && name + " has no process of its own here"), { class: "main" }));
+  return whole("app", icon(id, name), el("h2", {}, name), el("p", {}, name + " " + track + "."),
+    action("Press Play in here", "remote 2 in " + id, reason(!live && name + " has no process here"), { class: "main" }));
 }
 
 function settingsRow(state, row) {
   const label = el("span", {}, row.label);
   const why = reason(!row.enabled && "greyed: another switch has to be on first");
   if (row.kind === "switch")
-    return action([label, el("span", { class: "switch" })], `settings set "${row.label}" ${row.value ? "no" : "yes"}`, why,
+    return action([label, span("switch")], `settings set "${row.label}" ${row.value ? "no" : "yes"}`, why,
       { role: "switch", "aria-checked": String(Boolean(row.value)) });
   if (row.kind === "button") return action(label, "settings reset", why, { class: "danger" });
   if (row.kind === "app") return el("p", { class: "listed" }, label, row.checked && " ✓");
-  const shown = own([label, el("span", { class: "value" }, row.value || "None", " ›")], "choose " + row.label,
+  const shown = own([label, span("value", row.value || "None", " ›")], "choose " + row.label,
     { disabled: Boolean(why), title: why, "aria-expanded": String(chooserOpen === row.label) });
   if (chooserOpen !== row.label) return shown;
   const choices = [["none", "None"], ...state.apps.filter((app) => app.listed).map((app) => [app.id, app.name])];
-  return [shown, el("div", { class: "choices" }, choices.map(([id, name]) =>
+  return [shown, div("choices", choices.map(([id, name]) =>
     action([name, name === row.value && " ✓"], `settings choose "${row.label}" ${id}`, why)))];
 }
 
 function settingsScreen(state) {
   const page = state.settings;
-  return el("div", { class: "settings", "data-key": "settings" },
+  return whole("settings",
     el("header", {}, el("h2", {}, page.title), page.button && action(page.button, "settings help", reason())),
     page.groups.map((group) => el("section", {}, group.title && el("h3", {}, group.title),
-      el("div", { class: "rows" }, group.rows.map((row) => settingsRow(state, row))),
+      div("rows", group.rows.map((row) => settingsRow(state, row))),
       group.footer && el("p", { class: "footer" }, group.footer))));
 }
 
 function cards(state) {
   const shown = state.apps.filter((app) => app.running || app.live);
   const away = (app) => `quit-card ${app.id}\n` + (app.live ? "end " + app.id : `running ${app.id} no`);
-  return el("div", { class: "over", "data-key": "cards" }, el("h2", {}, "App switcher"), shown.length === 0 && el("p", {}, "No app is running."),
-    el("ul", { class: "cards" }, shown.map((app) => el("li", { class: hueOf(app.id) },
-      action([icon(app.id, app.name), app.name], `open ${app.id} foreground`, reason(state.locked && "the phone is locked")),
+  const locked = state.locked && "the phone is locked";
+  return whole("over cards-over", el("h2", {}, "App switcher"), shown.length === 0 && el("p", {}, "No app is running."),
+    el("ul", { class: "cards" }, shown.map((app) => el("li", {},
+      action([icon(app.id, app.name), app.name], `open ${app.id} foreground`, reason(locked)),
       action("×", away(app), reason(), { "aria-label": "Throw out " + app.name })))), own("Back", "none"));
 }
 
@@ -95,20 +98,22 @@ function alert(state) {
   const top = state.alerts.at(-1);
   if (!top) return null;
   const elsewhere = top.process !== "com.apple.springboard" && "the next touch of the settings page closes it";
-  return el("div", { class: "veil", "data-key": "alert" }, el("div", { class: "alert", role: "alertdialog", "aria-modal": "false", "aria-label": top.title || "Alert" },
+  const box = { class: "alert", role: "alertdialog", "aria-modal": "false", "aria-label": top.title || "Alert" };
+  return whole("veil", el("div", box,
     el("div", { class: "message", tabindex: "0" }, top.title && el("h2", {}, top.title), el("p", {}, top.message)),
-    el("div", { class: "answers" }, top.buttons.map((text, at) => action(text, "press " + at, reason(elsewhere), { class: at ? "" : "main" }))),
+    div("answers", top.buttons.map((text, at) =>
+      action(text, "press " + at, reason(elsewhere), { class: at ? "" : "main" }))),
     state.alerts.length > 1 && el("p", { class: "faint" }, `${state.alerts.length - 1} more below`)));
 }
 
 function screen(state) {
   if (!state.springBoard)
-    return el("div", { class: "off", "data-key": "off" }, el("p", {}, "The phone is off"), action("Switch on", "boot", reason(), { class: "main" }));
-  if (!state.screenOn) return el("div", { class: "off", "data-key": "dark" }, action("Wake", "screen on", reason(), { class: "main" }));
+    return whole("off", el("p", {}, "The phone is off"), action("Switch on", "boot", reason(), { class: "main" }));
+  if (!state.screenOn) return whole("off dark", action("Wake", "screen on", reason(), { class: "main" }));
   if (over === "cards") return cards(state);
-  if (over === "controls") return el("div", { class: "over", "data-key": "controls" }, el("h2", {}, "Control Center"), mediaControls(state), own("Back", "none"));
+  if (over === "controls") return whole("over", el("h2", {}, "Control Center"), mediaControls(state), own("Back", "none"));
   if (state.locked) return lockScreen(state);
-  if (state.settings && (state.front === kSettingsApp || !state.front)) return settingsScreen(state);
+  if (state.settings && state.front === kSettingsApp) return settingsScreen(state);
   return state.front ? appScreen(state) : homeScreen(state);
 }
 
@@ -117,22 +122,27 @@ function drawPhone() {
   if (!state.springBoard || !state.screenOn || state.passcode) over = null;
   fill(byId("screen"), screen(state), state.springBoard && state.screenOn && alert(state));
   fill(byId("status"), el("span", {}, state.springBoard ? (state.locked ? "locked" : "unlocked") : "off"),
-    el("span", { class: "virtual-clock" }, byId("clock").textContent),
-    el("span", {}, [state.inCall && "call", state.headphones && "headphones", state.network ? "online" : "offline"].filter(Boolean).join(" · ")));
+    span("virtual-clock", byId("clock").textContent),
+    el("span", {}, [state.inCall && "call", state.headphones && "headphones", state.network ? "online" : "offline"]
+      .filter(Boolean).join(" · ")));
   const off = !state.springBoard && "the phone is off";
   const dark = !state.screenOn && "the display is off";
-  const atHome = !state.locked && !state.front && !state.settings && "this is the home screen";
+  const atHome = !state.locked && !state.front && "this is the home screen";
   fill(byId("keys"),
     action("Home", state.settings && state.front === kSettingsApp ? "settings close" : "front none",
       reason(off, dark, state.locked && "the phone is locked", atHome)),
-    own("Cards", "cards", { disabled: Boolean(off || dark), title: off || dark || "the app switcher", "aria-pressed": String(over === "cards") }),
-    own("Controls", "controls", { disabled: Boolean(off || dark), title: off || dark || "Control Center", "aria-pressed": String(over === "controls") }),
-    state.screenOn ? action("Lock", state.locked ? "display-off" : "locked yes\ndisplay-off", reason(off), { title: "lock, and display off" })
+    [["Cards", "cards", "the app switcher"], ["Controls", "controls", "Control Center"]].map(([label, ui, says]) =>
+      own(label, ui, { disabled: Boolean(off || dark), title: off || dark || says, "aria-pressed": String(over === ui) })),
+    state.screenOn ? action("Lock", state.locked ? "display-off" : "locked yes\ndisplay-off", reason(off))
                    : action("Wake", "screen on", reason(off)));
 }
 
 export function startPhone() {
-  onPress(byId("phone"), "do", (lines) => { if (!lines.startsWith("quit-card")) over = lines.startsWith("tap-t") ? over : null; chooserOpen = null; act(lines); });
+  onPress(byId("phone"), "do", (lines) => {
+    if (!/^(quit-card|tap-t)/.test(lines)) over = null;
+    chooserOpen = null;
+    act(lines);
+  });
   onPress(byId("phone"), "ui", (ui) => {
     if (ui.startsWith("choose ")) chooserOpen = chooserOpen === ui.slice(7) ? null : ui.slice(7);
     else over = over === ui || ui === "none" ? null : ui;

@@ -20,8 +20,8 @@ function outcomeOf(row) {
   return { library: "own", passed: "passed" }[row.by] ?? "system";
 }
 
-const isShown = (row) => row.kind === "effect" || row.kind === "delivered" || row.kind === "timer" || row.kind === "started" ||
-  row.kind === "ended" || (row.kind === "hook" && row.taken);
+const kShown = new Set(["effect", "delivered", "timer", "started", "ended"]);
+const isShown = (row) => kShown.has(row.kind) || (row.kind === "hook" && row.taken);
 const isStartUp = (step, row) => !row.call.startsWith("crash:") && row.kind !== "started" &&
   (step.line === "boot" || /^(MSHook|CFNotificationCenterAdd)/.test(row.call));
 
@@ -37,15 +37,18 @@ function itemsOf(step, before) {
   const setUp = !before.springBoard && line !== "boot" && !step.error && !expectation;
   if (step.error || (line && !expectation) || step.holds === false) {
     const text = step.error ? "This could not be done: " + step.error
-      : step.holds === false ? "Expected, but it was not so. What came: " + (step.instead?.join(" · ") || "nothing") : explainCommand(line, before);
+      : step.holds === false ? "Expected, but it was not so. What came: " + (step.instead?.join(" · ") || "nothing")
+      : explainCommand(line, before);
     const answer = step.answer == null ? "" : step.answer ? " = YES" : " = NO";
-    items.push({ step, index: -1, process: "", time: before.time, outcome: step.error || expectation ? "failed" : "command", call: line + answer, text, startUp: setUp });
+    items.push({ step, index: -1, process: "", time: before.time, call: line + answer, text, startUp: setUp,
+      outcome: step.error || expectation ? "failed" : "command" });
   }
   step.rows.forEach((row, index) => {
     if (!isShown(row)) return;
-    const call = row.kind === "delivered" ? `“${row.call}”` : row.kind === "effect" || row.kind === "hook" ? row.call : row.kind + " " + row.call;
-    items.push({ step, index, process: row.process, time: row.time, outcome: outcomeOf(row), call, startUp: isStartUp(step, row),
-      get text() { return explainRow(row, step.state); } });
+    const called = row.kind === "effect" || row.kind === "hook";
+    const call = row.kind === "delivered" ? `“${row.call}”` : called ? row.call : row.kind + " " + row.call;
+    items.push({ step, index, process: row.process, time: row.time, outcome: outcomeOf(row), call,
+      startUp: isStartUp(step, row), get text() { return explainRow(row, step.state); } });
   });
   kept.set(step, items);
   return items;
@@ -55,20 +58,29 @@ const matching = (item, filter) => (!filter.process || item.process === filter.p
   (!filter.outcome || item.outcome === filter.outcome) &&
   (!filter.text || (item.call + " " + item.text + " " + item.process).toLowerCase().includes(filter.text));
 
+// What stands for all the start-up rows of a process, or for all the lines of the set-up.
+function foldedItem(item) {
+  return { ...item, folded: 1, outcome: item.process ? "own" : "command", get text() {
+    const things = (item.process ? " row" : " line") + (this.folded === 1 ? "" : "s");
+    return `${item.process ? "Starting up" : "Setting up the phone"}: ${this.folded}${things}, press to show`;
+  } };
+}
+
 // The record of these steps. `filter`: {process, outcome, text, folded}.
 export function recordOf(steps, count, filter) {
   const record = [];
-  for (let at = 0; at < count; ++at) {
-    for (const item of itemsOf(steps[at], steps[at - 1]?.state ?? kStartState)) {
-      if (filter.folded && item.startUp) {
-        const last = record.at(-1);
-        if (last?.folded && last.process === item.process && (last.step === item.step || !item.process)) { ++last.folded; last.call += "\n" + item.call; continue; }
-        if (!filter.outcome && !filter.text && matching(item, filter))
-          record.push({ ...item, folded: 1, outcome: item.process ? "own" : "command",
-            get text() { return `${item.process ? "Starting up" : "Setting up the phone"}: ${this.folded} ${item.process ? "row" : "line"}${this.folded === 1 ? "" : "s"}, press to show`; } });
-      } else if (matching(item, filter)) record.push(item);
+  const take = (item) => {
+    if (!filter.folded || !item.startUp) {
+      if (matching(item, filter)) record.push(item);
+      return;
     }
-  }
+    const last = record.at(-1);
+    if (last?.folded && last.process === item.process && (last.step === item.step || !item.process)) {
+      ++last.folded;
+      last.call += "\n" + item.call;
+    } else if (!filter.outcome && !filter.text && matching(item, filter)) record.push(foldedItem(item));
+  };
+  for (let at = 0; at < count; ++at) itemsOf(steps[at], steps[at - 1]?.state ?? kStartState).forEach(take);
   return record;
 }
 

@@ -1,5 +1,5 @@
 // The scenario beside what it does: its lines with what became of them, an editor, files, and a link.
-import { byId, el, fill, onPress, say } from "./dom.js";
+import { byId, el, fill, onPress, say, span } from "./dom.js";
 import { readFile, saveFile } from "./live.js";
 import { failedStep, isLive, model, moveTo, onChange, play, shownSteps } from "./model.js";
 import { holdTime } from "./pace.js";
@@ -27,13 +27,14 @@ export async function openFile(folder, name) {
 function line(text, at, current, before) {
   const step = at < model.valid ? model.steps[at] : null;
   const mark = step?.error || step?.holds === false ? "✗" : step?.holds ? "✓" : at === current ? "▸" : "";
-  const kind = (at >= model.cursor ? "later " : "") + (at === current ? "current " : "") + (mark === "✗" ? "bad " : "") + (/^\s*(#|$)/.test(text) ? "remark" : "");
+  const kind = [at >= model.cursor && "later", at === current && "current", mark === "✗" && "bad",
+    /^\s*(#|$)/.test(text) && "remark"].filter(Boolean).join(" ");
   const note = step?.error ?? (step?.holds === false ? "does not hold; came: " + (step.instead?.[0] ?? "nothing") : null);
   const key = [at, text, kind, mark, note].join();
   if (before?.dataset.key === key) return before;
   return el("li", { class: kind, "data-key": key },
-    el("button", { type: "button", "data-line": at + 1, tabindex: at === current ? "0" : "-1", "aria-current": at === current ? "step" : null },
-      el("span", { class: "number" }, at + 1), el("span", { class: "done" }, mark), el("code", {}, text || " ")),
+    el("button", { type: "button", "data-line": at + 1, "aria-current": at === current && "step" },
+      span("number", at + 1), span("done", mark), el("code", {}, text || " ")),
     note && el("p", { class: "note" }, note));
 }
 
@@ -42,7 +43,6 @@ function drawScenario() {
   byId("viewing").hidden = editing;
   byId("editing").hidden = !editing;
   fill(byId("name"), model.name || "untitled");
-  for (const button of byId("scenario").querySelectorAll("[data-file]")) button.disabled = !isLive() && button.dataset.file !== "link";
   if (model.wrong && !editing) edit(model.wrong.lines);
   if (editing) return drawWrong();
   const list = byId("lines");
@@ -99,7 +99,7 @@ function drawFiles() {
     const folder = path.includes("/") ? path.slice(0, path.lastIndexOf("/")) : "scenarios";
     folders.set(folder, [...(folders.get(folder) ?? []), path]);
   }
-  const choice = (folder) => (path) => el("option", { value: folder + " " + path }, path.slice(path.lastIndexOf("/") + 1).replace(/\.txt$/, ""));
+  const choice = (folder) => (path) => el("option", { value: folder + " " + path }, /([^/]*?)(\.txt)?$/.exec(path)[1]);
   fill(byId("open"), el("option", { value: "" }, "Open…"),
     files.saved.length > 0 && el("optgroup", { label: "saved by you" }, files.saved.map(choice("saved"))),
     [...folders].map(([folder, paths]) => el("optgroup", { label: folder }, paths.map(choice("scenarios")))));

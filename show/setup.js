@@ -25,7 +25,10 @@ function withHead(lines, words, line) {
   return others;
 }
 
-export const versionOf = (lines) => +(lines.slice(0, headLength(lines)).map((line) => /^\s*version\s+(\S+)/.exec(line)).filter(Boolean).at(-1)?.[1] ?? kDefaultVersion);
+export function versionOf(lines) {
+  const last = lines.slice(0, headLength(lines)).findLast((line) => startsWith("version").test(line));
+  return last ? +last.trim().split(/\s+/)[1] : kDefaultVersion;
+}
 
 // The same scenario on another version: Play keeps being Play, whatever its number.
 export function onVersion(lines, version) {
@@ -57,33 +60,42 @@ function read() {
 // ---- The form. Every field names the words that its line begins with, and the line.
 
 const field = (words, line, more) => ({ "data-words": words, "data-says": line, disabled: !isLive(), ...more });
-const check = (name, on, words, line) => el("label", { class: "check" }, el("input", field(words, line, { type: "checkbox", checked: on })), name);
+const check = (name, on, words, line = words) =>
+  el("label", { class: "check" }, el("input", field(words, line, { type: "checkbox", checked: on })), name);
 const pick = (name, value, choices, words, line) => el("label", { class: "pick" }, el("span", {}, name),
   el("select", field(words, line), choices.map(([says, shown]) => el("option", { value: says, selected: says === value }, shown))));
+const kLoaded = [["", "as usual"], ["loaded", "loaded"], ["late", "late"], ["missing", "missing"]];
 const part = (name, ...fields) => el("fieldset", {}, el("legend", {}, name), fields);
 
 function drawForm() {
   if (!byId("set-up").open) return;
   const said = read();
   const apps = new Map([...kApps, ...said.apps]);
-  const choices = [["", "None"], ...[...apps].map(([id, name]) => [id, name])];
+  const choices = [["", "None"], ...apps];
+  const without = (name, shown = name) => check(shown, said.missing.includes(name), "no-class " + name);
   fill(byId("form"),
-    part("Apps installed", [...apps].map(([id, name]) => id !== "com.apple.Music" && check(name, said.apps.has(id), "app " + id, `app ${id} "${name}"`))),
-    part("Settings file", kSwitches.map(([key, name]) => check(name, said.settings.get(key) === "yes", "prefs " + key, `prefs ${key} yes`)),
+    part("Apps installed", [...apps].map(([id, name]) =>
+      id !== "com.apple.Music" && check(name, said.apps.has(id), "app " + id, `app ${id} "${name}"`))),
+    part("Settings file", kSwitches.map(([key, name]) =>
+      check(name, said.settings.get(key) === "yes", "prefs " + key, `prefs ${key} yes`)),
       kChoosers.map(([key, name]) => pick(name, said.settings.get(key) ?? "", choices, "prefs " + key, `prefs ${key} "%"`))),
-    part("Add-ons", kAddOns.map((name) => check(name, said.addOns.has(name), "addon " + name, "addon " + name))),
-    part("Missing", check("AppList", said.missing.includes("ALApplicationList"), "no-class ALApplicationList", "no-class ALApplicationList"),
-      said.missing.filter((name) => name !== "ALApplicationList").map((name) => check(name, true, "no-class " + name, "no-class " + name)),
-      el("label", { class: "pick" }, el("span", {}, "Another class"), el("input", { type: "text", id: "missing-class", placeholder: "SPTPlayer", disabled: !isLive() }))),
-    part("Frameworks", kFrameworks.map((name) => pick(name, said.frameworks.get(name) ?? "", [["", "as usual"], ["loaded", "loaded"], ["late", "late"], ["missing", "missing"]],
-      "framework " + name, `framework ${name} %`))));
+    part("Add-ons", kAddOns.map((name) => check(name, said.addOns.has(name), "addon " + name))),
+    part("Missing", without("ALApplicationList", "AppList"),
+      said.missing.filter((name) => name !== "ALApplicationList").map((name) => without(name)),
+      el("label", { class: "pick" }, el("span", {}, "Another class"),
+        el("input", { type: "text", id: "missing-class", placeholder: "SPTPlayer" }))),
+    part("Frameworks", kFrameworks.map((name) =>
+      pick(name, said.frameworks.get(name) ?? "", kLoaded, "framework " + name, `framework ${name} %`))));
 }
 
 export function startSetUp() {
   const versions = byId("version");
   fill(versions, kVersions.map(([name, number]) => el("option", { value: number }, "iOS " + name)));
   versions.addEventListener("change", () => change(onVersion(model.lines, +versions.value)));
-  byId("set-up").addEventListener("toggle", () => { drawForm(); if (byId("set-up").open) byId("set-up").scrollIntoView({ block: "start" }); });
+  byId("set-up").addEventListener("toggle", ({ target }) => {
+    drawForm();
+    if (target.open) target.scrollIntoView({ block: "start" });
+  });
   byId("form").addEventListener("submit", (event) => event.preventDefault());
   byId("form").addEventListener("change", ({ target }) => {
     if (target.id === "missing-class") {

@@ -29,7 +29,8 @@ export function hueOf(id) {
   for (const letter of id) sum = (sum * 31 + letter.charCodeAt(0)) % 9973;
   return "hue-" + sum % 8;
 }
-export const letters = (name) => (/[A-Z].*[A-Z]/.test(name) ? name.replace(/[^A-Z]/g, "") : name[0].toUpperCase() + name.slice(1)).slice(0, 2);
+// Two letters: the capitals if there are that many.
+export const letters = (name) => (/[A-Z].*[A-Z]/.test(name) ? name.replace(/[^A-Z]/g, "") : name).slice(0, 2);
 
 // Keys of the settings file and what the page in the Settings app calls them.
 export const kSwitches = [
