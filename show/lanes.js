@@ -45,11 +45,11 @@ export class Lanes {
     const item = this.record[this.at];
     const moved = record.at(-1)?.step !== this.record.at(-1)?.step;
     const lanes = lanesOf(record);
-    Object.assign(this, { record, state, lanes, pitch: lanes.length > 8 ? 16 : 24, arrows: arrowsOf(record) });
+    Object.assign(this, { record, state, lanes, pitch: Math.max(3, Math.min(24, 240 / lanes.length)), arrows: arrowsOf(record) });
     this.at = item ? record.findIndex((one) => one.step === item.step && one.index === item.index) : -1;
     this.space.style.height = record.length * kRow + "px";
     fill(this.head, span("time", "time"),
-      lanes.map((process) => span("icon tiny " + hueOf(process), letters(appName(process, state)))),
+      lanes.length <= 10 && lanes.map((process) => span("icon tiny " + hueOf(process), letters(appName(process, state)))),
       span("names", lanes.map((process) => appName(process, state)).join(" · ") || "no process yet"));
     if (moved) this.box.scrollTop = Math.max(0, record.findLastIndex((one) => one.index < 0 && !one.folded)) * kRow;
     this.draw();
@@ -84,8 +84,10 @@ export class Lanes {
 
   draw() {
     const { box, record } = this;
-    const first = Math.max(0, Math.floor(box.scrollTop / kRow) - 4);
-    const end = Math.min(record.length, Math.ceil((box.scrollTop + box.clientHeight) / kRow) + 4);
+    const seen = Math.ceil(box.clientHeight / kRow) + 1;
+    const top = Math.min(Math.floor(box.scrollTop / kRow), record.length - seen);
+    const first = Math.max(0, top - 4);
+    const end = Math.min(record.length, Math.max(0, top) + seen + 4);
     this.host.style.setProperty("--strip", this.width() + "px");
     fill(this.space, el("div", { class: "seen", role: "presentation" }, this.picture(first, end),
       record.slice(first, end).map((item, at) => this.row(item, first + at))));

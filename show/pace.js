@@ -19,7 +19,7 @@ function passed() {
   const { time, nextTimer } = shownState();
   return Math.min(elapsed(), nextTimer == null ? Infinity : Math.max(0, nextTimer - time));
 }
-export const shownTime = () => shownState().time + (running && atEnd() && !model.busy ? passed() : 0);
+const shownTime = () => shownState().time + (running && atEnd() && !model.busy ? passed() : 0);
 
 function wait(micros) {
   if (micros <= 0 || failedStep()) return;

@@ -1,7 +1,7 @@
 // The phone: a picture of the state, made of buttons that play the lines a finger would.
 import { action, byId, div, el, fill, onPress, span } from "./dom.js";
 import { act, isLive, kLooking, model, onChange, shownState } from "./model.js";
-import { appName, hueOf, kSettingsApp, letters, playControl } from "./words.js";
+import { appName, hueOf, kSettingsApp, kSpringBoard, letters, playControl } from "./words.js";
 
 let over = null;       // "cards" or "controls": what lies over the screen, of the page's own doing
 let chooserOpen = null;  // the label of the list of apps that a finger has opened
@@ -97,7 +97,7 @@ function cards(state) {
 function alert(state) {
   const top = state.alerts.at(-1);
   if (!top) return null;
-  const elsewhere = top.process !== "com.apple.springboard" && "the next touch of the settings page closes it";
+  const elsewhere = top.process !== kSpringBoard && "the next touch of the settings page closes it";
   const box = { class: "alert", role: "alertdialog", "aria-modal": "false", "aria-label": top.title || "Alert" };
   return whole("veil", el("div", box,
     el("div", { class: "message", tabindex: "0" }, top.title && el("h2", {}, top.title), el("p", {}, top.message)),

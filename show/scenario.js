@@ -1,13 +1,13 @@
 // The scenario beside what it does: its lines with what became of them, an editor, files, and a link.
 import { byId, el, fill, onPress, say, span } from "./dom.js";
 import { readFile, saveFile } from "./live.js";
-import { failedStep, isLive, model, moveTo, onChange, play, shownSteps } from "./model.js";
+import { failedStep, model, moveTo, onChange, play, shownSteps } from "./model.js";
 import { holdTime } from "./pace.js";
 
 let editing = false;
 let files = { scenarios: [], saved: [] };
 
-export const linesOf = (text) => text.replace(/\r/g, "").replace(/\n+$/, "").split("\n");
+const linesOf = (text) => text.replace(/\r/g, "").replace(/\n+$/, "").split("\n");
 
 export function openText(text, name) {
   holdTime();
@@ -117,7 +117,7 @@ async function save() {
   } catch (error) { say(error.message); }
 }
 
-export const linkTo = (lines) => location.href.replace(/#.*/, "") + "#scenario=" + encodeURIComponent(lines.join("\n"));
+const linkTo = (lines) => location.href.replace(/#.*/, "") + "#scenario=" + encodeURIComponent(lines.join("\n"));
 
 async function copyLink() {
   const link = linkTo(model.lines);

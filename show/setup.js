@@ -25,7 +25,7 @@ function withHead(lines, words, line) {
   return others;
 }
 
-export function versionOf(lines) {
+function versionOf(lines) {
   const last = lines.slice(0, headLength(lines)).findLast((line) => startsWith("version").test(line));
   return last ? +last.trim().split(/\s+/)[1] : kDefaultVersion;
 }
