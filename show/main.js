@@ -51,12 +51,12 @@ function startAll(builds, files) {
   });
 }
 
-// What the address asks for: #scenario=TEXT or #open=PATH.
+// What the address asks for: #scenario=TEXT or #open=PATH. Answers whether it asks for anything.
 async function openAsked() {
   const asked = /^#(scenario|open)=(.*)$/s.exec(location.hash);
   if (asked?.[1] === "scenario") openText(decodeURIComponent(asked[2]), "from a link");
   else if (asked) await openFile("scenarios", decodeURIComponent(asked[2]));
-  else play(kBeginning.split("\n"), undefined, false);
+  return Boolean(asked);
 }
 
 function showEmbedded(recording) {
@@ -77,7 +77,7 @@ async function showLive() {
     });
     addEventListener("hashchange", openAsked);
     addEventListener("pagehide", () => session?.close());
-    await openAsked();
+    if (!await openAsked()) play(kBeginning.split("\n"), undefined, false);
   } catch (error) { say(error.message); }
 }
 

@@ -120,7 +120,9 @@ function screen(state) {
 function drawPhone() {
   const state = shownState();
   if (!state.springBoard || !state.screenOn || state.passcode) over = null;
+  const focused = byId("screen").contains(document.activeElement);
   fill(byId("screen"), screen(state), state.springBoard && state.screenOn && alert(state));
+  if (focused && !byId("screen").contains(document.activeElement)) byId("screen").focus();
   fill(byId("status"), el("span", {}, state.springBoard ? (state.locked ? "locked" : "unlocked") : "off"),
     span("virtual-clock", byId("clock").textContent),
     el("span", {}, [state.inCall && "call", state.headphones && "headphones", state.network ? "online" : "offline"]

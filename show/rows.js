@@ -48,7 +48,7 @@ function itemsOf(step, before) {
     const called = row.kind === "effect" || row.kind === "hook";
     const call = row.kind === "delivered" ? `“${row.call}”` : called ? row.call : row.kind + " " + row.call;
     items.push({ step, index, process: row.process, time: row.time, outcome: outcomeOf(row), call,
-      startUp: isStartUp(step, row), get text() { return explainRow(row, step.state); } });
+      startUp: isStartUp(step, row), get text() { return (this.said ??= explainRow(row, step.state)); } });
   });
   kept.set(step, items);
   return items;
