@@ -77,7 +77,7 @@ const kCallWords = [
   [/^system\("killall.*iapd/, "The accessory services are restarted, so that they load the library too."],
   [/initWithContentsOfFile/, "The settings file is read."],
   [/writeToFile/, "The settings file is written."],
-  [/scheduledTimerWithTimeInterval:(\S+)/, "From now on it looks every $1 seconds how things stand."],
+  [/scheduledTimerWithTimeInterval:(\S+)/, "From now on it looks how things stand, every $1 s."],
   [/^-\[NSTimer invalidate\]/, "It stops looking how things stand."],
   [/^MSHook\w+\((.*)\)/, "The library attaches itself to $1."],
   [/^CFNotificationCenterAddObserver\(darwin, "(.*)"\)/, "From now on it listens for “[$1]”."],
@@ -124,8 +124,7 @@ export function explainRow(row, state) {
   const post = /^notify_post\("(.*)"\)/.exec(row.call);
   if (post) return `${process} tells everybody: “${kSignals.get(post[1]) ?? post[1]}”.`;
   const plain = fitting(kCallWords, row.call, state);
-  if (row.kind === "hook")
-    return "The library answers in the system's place: " + (plain ?? "a call.").replace(/^(A|An|The|What) /, (word) => word.toLowerCase());
+  if (row.kind === "hook") return (plain ?? "A call.").replace(/\.$/, ": the library answers instead.");
   if (plain) return plain;
   return row.by === "passed" ? "The library looks at this call and passes it on." : "The phone is asked for this.";
 }

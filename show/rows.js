@@ -7,7 +7,7 @@ import { kStartState } from "./model.js";
 // What became of a call: its word, and the shape on its lane.
 export const kOutcomes = {
   command: "you", taken: "taken over", passed: "passed on", own: "library", signal: "signal", arrives: "heard",
-  system: "system", timer: "timer", life: "process", crash: "crash", failed: "not held",
+  system: "system", timer: "timer", life: "process", crash: "crash", failed: "failed",
 };
 
 function outcomeOf(row) {
