@@ -22,7 +22,7 @@ function outcomeOf(row) {
 
 const kShown = new Set(["effect", "delivered", "timer", "started", "ended"]);
 const isShown = (row) => kShown.has(row.kind) || (row.kind === "hook" && row.taken);
-const isStartUp = (step, row) => !row.call.startsWith("crash:") && row.kind !== "started" &&
+const isStartUp = (step, row) => !row.call.startsWith("crash:") && row.kind !== "started" && row.kind !== "ended" &&
   (step.line === "boot" || /^(MSHook|CFNotificationCenterAdd)/.test(row.call));
 
 const kept = new WeakMap();
