@@ -51,12 +51,15 @@ function startAll(builds, files) {
   });
 }
 
-// What the address asks for: #scenario=TEXT or #open=PATH. Answers whether it asks for anything.
+// What the address asks for: #scenario=TEXT, or #open=scenarios/PATH (or saved/NAME). Answers whether
+// it asks for anything.
 async function openAsked() {
   const asked = /^#(scenario|open)=(.*)$/s.exec(location.hash);
-  if (asked?.[1] === "scenario") openText(decodeURIComponent(asked[2]), "from a link");
-  else if (asked) await openFile("scenarios", decodeURIComponent(asked[2]));
-  return Boolean(asked);
+  if (!asked) return false;
+  const what = decodeURIComponent(asked[2]);
+  if (asked[1] === "scenario") openText(what, "from a link");
+  else await openFile(what.slice(0, what.indexOf("/")), what.slice(what.indexOf("/") + 1));
+  return true;
 }
 
 function showEmbedded(recording) {

@@ -88,7 +88,9 @@ std::string describeScheduled(const Invocation& invocation) {
 Value invalidate(Invocation& invocation) {
   auto& timer = dynamic_cast<NSTimer&>(*invocation.self);
   if (timer.isValid())
-    invocation.process.device.effect(invocation.process, "-[NSTimer invalidate]");
+    invocation.process.device.effect(
+        invocation.process, "-[NSTimer invalidate]",
+        invocation.caller == Caller::Library ? CallTree::By::Library : CallTree::By::Platform);
   timer.invalidate();
   return Value::none();
 }

@@ -69,8 +69,7 @@ std::vector<std::string> completions(const std::string& before, Device& device) 
       for (const std::string& word : meant(words[typed.size()], device)) all.push_back(word);
     }
   std::ranges::sort(all);
-  const auto doubled = std::ranges::unique(all);
-  all.erase(doubled.begin(), doubled.end());
+  all.erase(std::unique(all.begin(), all.end()), all.end());
   return all;
 }
 
