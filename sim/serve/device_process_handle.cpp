@@ -34,6 +34,7 @@ int spawn(pid_t& process, const std::vector<std::string>& command, int end) {
   posix_spawnattr_setsigdefault(&attributes, &signals);
   posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
   std::vector<char*> words;
+  words.reserve(command.size() + 1);
   for (const std::string& word : command) words.push_back(const_cast<char*>(word.c_str()));
   words.push_back(nullptr);
   const int error = posix_spawn(&process, words[0], &files, &attributes, words.data(), environ);

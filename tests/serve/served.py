@@ -1,14 +1,17 @@
-"""A server to be tested: started beside pages of the test's own, spoken to over HTTP, ended."""
+"""A server to be tested, of the program that is the first argument: started beside pages of the test's own, spoken to over HTTP, ended."""
 import http.client
 import json
 import os
 import pathlib
 import signal
 import subprocess
+import sys
 import tempfile
 import time
+import unittest
 import urllib.parse
 
+PROGRAM = pathlib.Path(sys.argv.pop(1)).resolve()
 PATIENCE = 30  # seconds, on a busy machine
 
 
@@ -138,3 +141,17 @@ def eventually(what):
             return False
         time.sleep(0.05)
     return True
+
+
+class Test(unittest.TestCase):
+    """A test with a server of its own, which ends as it should."""
+    options = ()
+
+    def setUp(self):
+        self.served = Served(PROGRAM, *self.options)
+
+    def tearDown(self):
+        self.assertEqual(self.served.end(), 0)
+
+    def refuses(self, status, *request):
+        self.assertEqual(self.served.status(*request), status, request)
