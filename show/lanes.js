@@ -27,7 +27,7 @@ export class Lanes {
     this.head = div("lane-heads");
     this.space = el("div", { class: "space", role: "presentation" });
     this.box = el("div", { class: "record", role: "listbox", tabindex: "0", "aria-label": label }, this.space);
-    fill(host, this.head, this.box);
+    host.replaceChildren(this.head, this.box);  // (what an earlier record left there is not made over)
     this.box.addEventListener("keydown", (event) => this.key(event));
     this.box.addEventListener("click", (event) => {
       const pressed = event.target.closest("[data-at]");
