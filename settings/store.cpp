@@ -51,8 +51,8 @@ Outcome change(NSString key, Object value) {
   auto settings = preferences::read();
   if (!settings) {
     // docs/decisions.md: A file that cannot be read is left alone
-    if (NSFileManager::defaultManager().fileExistsAtPath(preferences::path()))
-      return Outcome::unreadable;
+    const auto files = NSFileManager::defaultManager();
+    if (!files || files.fileExistsAtPath(preferences::path())) return Outcome::unreadable;
     settings = NSMutableDictionary::make();
   }
   settings->setValueForKey(value, key);
