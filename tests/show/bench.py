@@ -15,6 +15,15 @@ sys.path[:0] = [str(ROOT / "tests" / "show")]
 from browser import Browser, Page  # noqa: E402
 
 TRIES = 9
+TIRELESS = """app com.spotify.client "Spotify"
+prefs iea9AQXrEmhSZ4u yes
+prefs 2I8UQMOAwU5nnNZt "com.spotify.client"
+prefs 4sySMd4CfPOr0F yes
+prefs LyyY0YZw4enaXR6S yes
+player com.spotify.client never
+locked yes
+boot
+"""
 # From the press to the frame in which the answer stands there.
 CLICK = """
   const [selector, done] = arguments;
@@ -89,7 +98,8 @@ def main():
             say("back over 500 commands", median(lambda: run(MOVE, 1) + 0 * run(MOVE, lines)), "under 300")
             run(MOVE, 2)
             say("and on from there, another way", run(CLICK, "#around [data-do^=headphones]"), "under 300")
-            page = opened("boot\n" + "remote 1\n" * 4900)
+            # An app that is never content with its player: some 400 rows a start.
+            page = opened(TIRELESS + "tap-transport 3\nadvance 37\nend com.spotify.client\n" * 70)
             page.one("#by-folded").click()
             rows = page.text("#count")
             frames = run(SCROLL)
