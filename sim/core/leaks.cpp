@@ -5,7 +5,6 @@
 #include <map>
 
 #include "sim/core/device.hpp"
-#include "sim/foundation/block.hpp"
 
 namespace sim {
 

@@ -2,14 +2,15 @@
 
 #include "sim/core/device.hpp"
 #include "sim/foundation/services.hpp"
-#include "sim/springboard/springboard.hpp"
 #include "sim/uikit/definitions.hpp"
 
 namespace sim {
 
 Object* sharedApplication(Process& process) {
   if (!process.isSpringBoard()) return &process.shared<UIApplication>("UIApplication");
-  return process.findClass("SpringBoard") ? &process.shared<SpringBoard>("SpringBoard") : nullptr;
+  // The home screen's application is of a class of its own.
+  Class* own = process.findClass("SpringBoard");
+  return own ? &process.sharedInstance(*own) : nullptr;
 }
 
 namespace {
