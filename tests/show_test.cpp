@@ -4,11 +4,13 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "sim/scenario/completion.hpp"
 #include "sim/scenario/reference.hpp"
+#include "sim/scenario/shell.hpp"
 #include "sim/show/lanes.hpp"
 #include "sim/show/static_page.hpp"
 #include "sim/show/whole_run.hpp"
@@ -268,6 +270,23 @@ TEST(Colours, SayWhatBecameOfTheCall) {
   EXPECT_NE(all.find("\033[2m0.00 com.apple.springboard -[MPUSystem"), all.npos);
 }
 
+TEST(Colours, AreInTheShellToo) {
+  const auto loader = testedLibrary();
+  std::istringstream typed("boot\nundo\nboot\n");
+  std::ostringstream shown;
+  auto* in = std::cin.rdbuf(typed.rdbuf());
+  auto* out = std::cout.rdbuf(shown.rdbuf());
+  scenario::RunOptions options;
+  options.colour = true;
+  scenario::runShell(*loader, options);
+  std::cin.rdbuf(in);
+  std::cout.rdbuf(out);
+  const std::string init = "\033[2m0.00 com.apple.springboard -[SpringBoard init]\033[0m\n";
+  const std::size_t first = shown.str().find(init);
+  ASSERT_NE(first, std::string::npos) << shown.str();
+  EXPECT_NE(shown.str().find(init, first + 1), std::string::npos);
+}
+
 TEST(Colours, WithoutThemTheTextIsTheSame) {
   std::string text = coloured(contents(CORVALEN_SOURCE_DIR "/scenarios/press-play.txt"));
   for (std::size_t at = 0; (at = text.find('\033')) != std::string::npos;)
@@ -324,6 +343,8 @@ TEST_F(Completions, AreTheLabelsOfAPageThatIsOpen) {
   std::get<scenario::Command>(*open).run(device);
   EXPECT_TRUE(holds(after("settings set "), "\"Enabled\""));
   EXPECT_TRUE(holds(after("settings "), "choose"));
+  EXPECT_TRUE(holds(after("settings choose \"Preferred Player\" "), "com.apple.Music"));
+  EXPECT_TRUE(after("settings set \"Start ").empty());  // a text that is not closed
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include "sim/platform/device_actions.hpp"
 #include "sim/scenario/reference.hpp"
 #include "sim/scenario/script.hpp"
+#include "sim/scenario/words.hpp"
 #include "sim/settings/settings_app.hpp"
 
 namespace sim::scenario {
@@ -47,10 +48,23 @@ std::vector<std::string> meant(const std::string& word, Device& device) {
   return all;
 }
 
+// A text in quotes is one word. Within one that is not closed nothing is known.
+std::optional<std::vector<std::string>> wordsOf(const std::string& before) {
+  try {
+    std::vector<std::string> all;
+    for (const Word& word : splitWords(before)) all.push_back(word.text);
+    return all;
+  } catch (const SyntaxError&) {
+    return std::nullopt;
+  }
+}
+
 }  // namespace
 
 std::vector<std::string> completions(const std::string& before, Device& device) {
-  const auto typed = split(before, ' ');
+  const auto words = wordsOf(before);
+  if (!words) return {};
+  const auto& typed = *words;
   std::vector<std::string> all;
   if (typed.empty()) {
     all = commandNames();
@@ -60,13 +74,13 @@ std::vector<std::string> completions(const std::string& before, Device& device) 
   }
   for (const ReferenceRow& row : reference())
     for (const std::string& form : row.forms) {
-      const auto words = split(form, ' ');
-      if (typed.empty() || words.size() <= typed.size() || words[0] != typed[0]) continue;
+      const auto parts = split(form, ' ');
+      if (typed.empty() || parts.size() <= typed.size() || parts[0] != typed[0]) continue;
       // A fixed word must have been typed as it is: settings set, settings choose.
-      const bool fits = words.size() < 3 || typed.size() < 2 || words[1] == typed[1] ||
-                        words[1].find_first_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ|") != std::string::npos;
+      const bool fits = parts.size() < 3 || typed.size() < 2 || parts[1] == typed[1] ||
+                        parts[1].find_first_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ|") != std::string::npos;
       if (!fits) continue;
-      for (const std::string& word : meant(words[typed.size()], device)) all.push_back(word);
+      for (const std::string& word : meant(parts[typed.size()], device)) all.push_back(word);
     }
   std::ranges::sort(all);
   all.erase(std::unique(all.begin(), all.end()), all.end());

@@ -21,8 +21,8 @@ class Shell {
  public:
   Shell(LibraryLoader& loader, const RunOptions& options)
       : loader_(loader), options_(options), output_(std::cout, options.format) {
-    startAfresh();
     if (options.colour) output_.colour();
+    startAfresh();
   }
   // False if it was the last line.
   bool obey(const std::string& line);
@@ -148,7 +148,7 @@ Status runShell(LibraryLoader& loader, const RunOptions& options) {
   if (terminal) {
     rl_initialize();
     rl_attempted_completion_function = complete;
-    rl_completer_word_break_characters = const_cast<char*>(" ");
+    rl_basic_word_break_characters = const_cast<char*>(" ");  // texts begin with their quote
     if (!history.empty()) read_history(history.c_str());
     std::cout << "A simulated device. Try: boot, tap-transport 3, advance 1. Tab completes, help "
                  "explains, undo takes back, quit ends.\n";
