@@ -376,17 +376,8 @@ std::map<std::string, std::string> textsOf(const std::filesystem::path& file) {
   std::map<std::string, std::string> texts;
   const auto root = readPropertyListFile(file);
   if (!root) return texts;
-  plist_dict_iter iterator = nullptr;
-  plist_dict_new_iter(root.get(), &iterator);
-  for (;;) {
-    char* key = nullptr;
-    plist_t value = nullptr;
-    plist_dict_next_item(root.get(), iterator, &key, &value);
-    if (!value) break;
+  for (const auto& [key, value] : entriesOf(root.get()))
     texts[key] = plist_get_string_ptr(value, nullptr);
-    std::free(key);
-  }
-  std::free(iterator);
   return texts;
 }
 

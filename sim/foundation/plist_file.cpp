@@ -39,6 +39,22 @@ std::vector<plist_t> elementsOf(plist_t array) {
   return elements;
 }
 
+std::vector<std::pair<std::string, plist_t>> entriesOf(plist_t dictionary) {
+  std::vector<std::pair<std::string, plist_t>> entries;
+  plist_dict_iter iterator = nullptr;
+  plist_dict_new_iter(dictionary, &iterator);
+  for (;;) {
+    char* key = nullptr;
+    plist_t value = nullptr;
+    plist_dict_next_item(dictionary, iterator, &key, &value);
+    if (!value) break;
+    if (key) entries.emplace_back(key, value);
+    std::free(key);
+  }
+  std::free(iterator);
+  return entries;
+}
+
 PlistNode parsePropertyList(const std::string& bytes) {
   if (bytes.size() > kLargestFile) return {};
   if (!bytes.starts_with("bplist")) return parseXmlPropertyList(bytes, kDeepest);

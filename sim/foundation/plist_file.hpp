@@ -27,6 +27,9 @@ PlistNode parsePropertyList(const std::string& bytes);
 std::shared_ptr<void> readPropertyListFile(const std::filesystem::path& path);
 // An array's elements, borrowed. By the parser's index each would be looked for from the first on.
 std::vector<plist_t> elementsOf(plist_t array);
+// A dictionary's keys and values in the file's order, the values borrowed; a key that is none is
+// left out with its value.
+std::vector<std::pair<std::string, plist_t>> entriesOf(plist_t dictionary);
 
 // The XML form; empty if there is none.
 std::string toXml(plist_t node);

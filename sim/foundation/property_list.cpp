@@ -16,18 +16,8 @@ Ref<Object> toObject(Process& process, plist_t node);
 
 Ref<NSDictionary> toDictionary(Process& process, plist_t node) {
   auto dictionary = makeDictionary(process);
-  plist_dict_iter iterator = nullptr;
-  plist_dict_new_iter(node, &iterator);
-  for (;;) {
-    char* key = nullptr;
-    plist_t value = nullptr;
-    plist_dict_next_item(node, iterator, &key, &value);
-    if (!value) break;
-    if (const auto object = toObject(process, value); object && key)
-      dictionary->set(key, object.get());
-    std::free(key);
-  }
-  std::free(iterator);
+  for (const auto& [key, value] : entriesOf(node))
+    if (const auto object = toObject(process, value)) dictionary->set(key, object.get());
   return dictionary;
 }
 

@@ -57,17 +57,7 @@ std::optional<std::map<std::string, std::string>> readSettings(const Device& dev
   plist_t root = dictionary(device);
   if (!root) return std::nullopt;
   std::map<std::string, std::string> settings;
-  plist_dict_iter iterator = nullptr;
-  plist_dict_new_iter(root, &iterator);
-  for (;;) {
-    char* key = nullptr;
-    plist_t value = nullptr;
-    plist_dict_next_item(root, iterator, &key, &value);
-    if (!value) break;
-    if (key) settings[key] = toXml(value);
-    std::free(key);
-  }
-  std::free(iterator);
+  for (const auto& [key, value] : entriesOf(root)) settings[key] = toXml(value);
   return settings;
 }
 

@@ -1,5 +1,7 @@
 #include "sim/settings/preferences_daemon.hpp"
 
+#include <algorithm>
+
 #include "sim/core/versions.hpp"
 #include "sim/foundation/property_list.hpp"
 
@@ -15,20 +17,10 @@ std::string fileOf(const std::string& domain) {
 
 // Whether all that `file` holds stands in `values` too.
 bool holds(plist_t values, plist_t file) {
-  plist_dict_iter iterator = nullptr;
-  plist_dict_new_iter(file, &iterator);
-  bool all = true;
-  for (;;) {
-    char* key = nullptr;
-    plist_t value = nullptr;
-    plist_dict_next_item(file, iterator, &key, &value);
-    if (!value) break;
-    plist_t kept = plist_dict_get_item(values, key);
-    all = all && kept && toXml(kept) == toXml(value);
-    std::free(key);
-  }
-  std::free(iterator);
-  return all;
+  return std::ranges::all_of(entriesOf(file), [&](const auto& entry) {
+    plist_t kept = plist_dict_get_item(values, entry.first.c_str());
+    return kept && toXml(kept) == toXml(entry.second);
+  });
 }
 
 void put(plist_t values, const std::string& key, PlistNode value) {

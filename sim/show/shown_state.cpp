@@ -111,17 +111,7 @@ Json settingsFile(const Device& device) {
   plist_t root = propertyListIn(device.files, scenario::kSettingsPath);
   if (!root || plist_get_node_type(root) != PLIST_DICT) return {};
   Json all = Json::object();
-  plist_dict_iter iterator = nullptr;
-  plist_dict_new_iter(root, &iterator);
-  for (;;) {
-    char* key = nullptr;
-    plist_t value = nullptr;
-    plist_dict_next_item(root, iterator, &key, &value);
-    if (!value) break;
-    all[key] = setting(value);
-    std::free(key);
-  }
-  std::free(iterator);
+  for (const auto& [key, value] : entriesOf(root)) all[key] = setting(value);
   return all;
 }
 
