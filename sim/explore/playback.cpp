@@ -18,11 +18,11 @@ class Stage {
   // Throws ActionError if the device is in no state for the command; then nothing has happened.
   std::optional<Violation> play(const std::string& line) {
     const auto content = scenario::parseLine(line);
-    const std::string before = trace_.str();
+    const auto before = static_cast<std::size_t>(trace_.tellp());
     try {
       session_.run(std::get<scenario::Command>(*content));
     } catch (const ActionError&) {
-      trace_.str(before);  // not even echoed
+      trace_.str(trace_.str().substr(0, before));  // not even echoed
       trace_.seekp(0, std::ios::end);
       throw;
     }
