@@ -57,7 +57,7 @@ mkdir "$folder/drawn"
   --jobs "$(nproc)" --keep "$folder/drawn" >/dev/null 2>&1 || true
 traces() {
   find "$folder/drawn" -name '*.txt' | sort |
-    (cd "$folder/$1" && xargs -n 500 build/host/corvalen-sim run "${@:2}" 2>&1 || true) | sha256sum
+    (cd "$folder/$1" && xargs -n 500 build/host/corvalen-sim run "${@:2}" 2>/dev/null || true) | sha256sum
 }
 status=0
 for slice in host arm64 armv7; do
