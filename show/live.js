@@ -17,23 +17,30 @@ export const saveFile = async (name, text) =>
 
 // A device of its own. `hear` gets what its process says, `fail` what went wrong on the way.
 export async function openSession(build, hear, fail) {
-  const { session } = await (await ask("sessions", posting({ build }))).json();
-  const events = new EventSource(`sessions/${session}/events`);
-  events.onmessage = (message) => hear(JSON.parse(message.data));
-  events.onerror = () => {
-    if (events.readyState === EventSource.CLOSED) fail("The server has gone. Start it again and load this page anew.");
-  };
-  await new Promise((resolve) => { events.onopen = resolve; setTimeout(resolve, 1000); });
+  const events = new EventSource("sessions?build=" + encodeURIComponent(build));
+  let session = "";
+  await new Promise((resolve) => {
+    events.onmessage = (message) => {
+      const said = JSON.parse(message.data);
+      if (!said.session) return hear(said);
+      // A browser that lost its connection comes back to another device.
+      if (session) hear({ gone: "the connection was lost" });
+      session = said.session;
+      resolve();
+    };
+    events.onerror = () => {
+      if (events.readyState !== EventSource.CLOSED) return;
+      fail("The server has gone, or too many pages are open. Load this page anew when that has changed.");
+      resolve();
+    };
+  });
   return {
     // Plays reach the server in the order of their numbers.
     last: Promise.resolve(),
     play(number, lines) {
-      this.last = this.last.then(() => ask(`sessions/${session}/play`, posting({ play: number, lines })))
+      this.last = this.last.then(() => ask(`sessions/${session}`, posting({ play: number, lines })))
         .catch((error) => fail(error.message));
     },
-    close() {
-      events.close();
-      fetch(`sessions/${session}`, { method: "DELETE", keepalive: true }).catch(() => {});
-    },
+    close: () => events.close(),
   };
 }

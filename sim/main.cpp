@@ -238,12 +238,8 @@ void addServeOptions(CLI::App& command, CommandLine& line) {
   command.add_option("--image", line.image, "offer this device binary's slices too")
       ->check(CLI::ExistingFile);
   command
-      .add_option("--longest-play", options.limits.play, "seconds, after which a device is ended")
+      .add_option("--longest-play", options.longestPlay, "seconds, after which a device is ended")
       ->check(CLI::Range(1, 3600));
-  command
-      .add_option("--longest-silence", options.limits.withoutListener,
-                  "seconds without a page, after which its device is ended")
-      ->check(CLI::Range(1, 86400));
 }
 
 void addOptions(CLI::App& command, CommandLine& line) {

@@ -7,7 +7,6 @@
 #include <cstdlib>
 #include <fstream>
 #include <map>
-#include <regex>
 #include <system_error>
 
 namespace sim::serve {
@@ -22,59 +21,35 @@ const std::map<std::string, std::string> kTypes = {{".html", "text/html; charset
                                                    {".txt", "text/plain; charset=utf-8"},
                                                    {".svg", "image/svg+xml"}};
 
-std::optional<File> contents(const fs::path& file, const std::string& type) {
-  std::ifstream in(file, std::ios::binary);
-  if (!in || !fs::is_regular_file(file)) return {};
-  return File{type, std::string(std::istreambuf_iterator<char>(in), {})};
-}
-
-bool isScenario(const fs::directory_entry& entry) {
+// Whether it is a file, of a length that is given, which stands under this very name: no link leads
+// there, and no "..".
+bool isGiven(const fs::path& folder, const std::string& path) {
   std::error_code failed;
-  return entry.path().extension() == ".txt" && !entry.is_symlink(failed) &&
-         entry.is_regular_file(failed) && entry.file_size(failed) <= kLongestText && !failed;
-}
-
-// `Iterator` goes through the folder alone, or through all below.
-template <typename Iterator>
-std::vector<std::string> textFiles(const fs::path& folder) {
-  std::vector<std::string> files;
-  std::error_code failed;
-  for (Iterator entry(folder, fs::directory_options::skip_permission_denied, failed);
-       !failed && entry != Iterator(); entry.increment(failed))
-    if (isScenario(*entry)) files.push_back(entry->path().lexically_relative(folder).string());
-  std::sort(files.begin(), files.end());
-  return files;
+  const std::string file = fs::canonical(folder, failed).string() + '/' + path;
+  return !failed && fs::canonical(file, failed).string() == file &&
+         fs::is_regular_file(file, failed) && fs::file_size(file, failed) <= kLongestText;
 }
 
 }  // namespace
 
-std::optional<File> pageFile(const fs::path& folder, const std::string& name) {
-  const auto type = kTypes.find(fs::path(name).extension().string());
-  if (type == kTypes.end() || !std::regex_match(name, std::regex("[a-z0-9_.-]+"))) return {};
-  std::error_code failed;
-  const fs::path file = fs::canonical(folder / name, failed);
-  if (failed || file.parent_path() != fs::canonical(folder)) return {};
-  return contents(file, type->second);
+std::optional<File> fileIn(const fs::path& folder, const std::string& path) {
+  const auto type = kTypes.find(fs::path(path).extension().string());
+  if (type == kTypes.end() || !isGiven(folder, path)) return {};
+  std::ifstream in(folder / path, std::ios::binary);
+  return File{type->second, std::string(std::istreambuf_iterator<char>(in), {})};
 }
 
 std::vector<std::string> scenarioFiles(const fs::path& folder) {
-  return textFiles<fs::recursive_directory_iterator>(folder);
-}
-
-std::vector<std::string> savedFiles(const fs::path& folder) {
-  std::vector<std::string> names = textFiles<fs::directory_iterator>(folder);
-  std::erase_if(names, [](const std::string& name) { return !mayBeSavedAs(name); });
-  return names;
-}
-
-std::optional<File> textFile(const fs::path& folder, const std::string& path,
-                             const std::vector<std::string>& files) {
-  if (!std::binary_search(files.begin(), files.end(), path)) return {};
-  return contents(folder / path, kTypes.at(".txt"));
-}
-
-bool mayBeSavedAs(const std::string& name) {
-  return std::regex_match(name, std::regex("[A-Za-z0-9 _-]{1,64}\\.txt"));
+  std::vector<std::string> files;
+  std::error_code failed;
+  const auto options = fs::directory_options::skip_permission_denied;
+  for (fs::recursive_directory_iterator entry(folder, options, failed);
+       !failed && entry != fs::recursive_directory_iterator(); entry.increment(failed)) {
+    const std::string path = entry->path().lexically_relative(folder).string();
+    if (entry->path().extension() == ".txt" && isGiven(folder, path)) files.push_back(path);
+  }
+  std::sort(files.begin(), files.end());
+  return files;
 }
 
 void save(const fs::path& folder, const std::string& name, const std::string& text) {

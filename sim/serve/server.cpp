@@ -8,9 +8,12 @@
 #include <csignal>
 #include <map>
 #include <nlohmann/json.hpp>
+#include <numeric>
 #include <ostream>
+#include <regex>
 
 #include "sim/serve/files.hpp"
+#include "sim/serve/session.hpp"
 
 namespace sim::serve {
 
@@ -23,7 +26,7 @@ using nlohmann::json;
 constexpr std::size_t kMostSessions = 16;
 constexpr std::size_t kMostLines = 5000;
 constexpr std::size_t kLongestPath = 512;
-constexpr std::size_t kThreads = 64;  // two listeners a session, and as many requests
+constexpr std::size_t kThreads = 64;  // a listener a session, and requests
 constexpr auto kPolicy =
     "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' data:; "
     "connect-src 'self'; base-uri 'none'; form-action 'none'; frame-ancestors 'none'";
@@ -41,14 +44,6 @@ std::string randomHex(std::size_t bytes) {
   return fmt::format("{:02x}", fmt::join(random, ""));
 }
 
-// Takes as long whatever the texts have in common.
-bool sameInConstantTime(const std::string& one, const std::string& other) {
-  int difference = one.size() == other.size() ? 0 : 1;
-  for (std::size_t i = 0; i < std::min(one.size(), other.size()); ++i)
-    difference |= one[i] ^ other[i];
-  return difference == 0;
-}
-
 void answer(Response& response, int status, const json& body) {
   response.status = status;
   response.set_content(body.dump(-1, ' ', false, json::error_handler_t::replace),
@@ -64,10 +59,6 @@ void answerFile(Response& response, const std::optional<File>& file) {
                                 [bytes = file->bytes](auto at, auto length, auto& sink) {
                                   return sink.write(bytes.data() + at, length);
                                 });
-}
-
-void expectMethod(const Request& request, const std::string& method) {
-  if (request.method != method) throw Refused{405, "only " + method + " can be done with this"};
 }
 
 // What the device process gets of a request to play. Throws json::exception, as all that reads JSON
@@ -89,21 +80,21 @@ class Server {
   void run(std::ostream& out);
 
  private:
+  void addRoutes();
   void admit(const Request& request) const;
-  void route(const Request& request, Response& response);
-  void routeSaved(const std::string& name, const Request& request, Response& response) const;
-  void routeSession(const std::string& rest, const Request& request, Response& response);
-  std::string beginSession(const std::string& body);
+  void openSession(const std::string& build, Response& response);
 
   const ServeOptions& options_;
+  const std::string root_ = '/' + randomHex(16) + '/';  // a token, which all paths begin with
   httplib::Server http_;
-  std::string address_;
-  const std::string token_ = randomHex(16);
+  int port_ = 0;
   std::mutex mutex_;
-  std::map<std::string, std::shared_ptr<Session>> sessions_;  // under the mutex
+  // Under the mutex. A session is its listener's, and ends with that.
+  std::map<std::string, std::weak_ptr<Session>> sessions_;
 };
 
 Server::Server(const ServeOptions& options) : options_(options) {
+  addRoutes();
   http_.set_default_headers({{"Content-Security-Policy", kPolicy},
                              {"X-Content-Type-Options", "nosniff"},
                              {"Referrer-Policy", "no-referrer"},
@@ -119,18 +110,11 @@ Server::Server(const ServeOptions& options) : options_(options) {
     const int yes = 1;
     setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
   });
-  const auto handle = [this](const Request& request, Response& response) {
-    route(request, response);
-  };
   // Before a body is read.
-  http_.set_pre_routing_handler([this, handle](const Request& request, Response& response) {
+  http_.set_pre_routing_handler([this](const Request& request, Response&) {
     admit(request);
-    if (request.method == "POST" || request.method == "PUT")
-      return httplib::Server::HandlerResponse::Unhandled;
-    handle(request, response);
-    return httplib::Server::HandlerResponse::Handled;
+    return httplib::Server::HandlerResponse::Unhandled;
   });
-  http_.Post(".*", handle).Put(".*", handle);
   http_.set_exception_handler([](const Request&, Response& response, std::exception_ptr thrown) {
     try {
       std::rethrow_exception(thrown);
@@ -143,30 +127,30 @@ Server::Server(const ServeOptions& options) : options_(options) {
     }
   });
   http_.set_error_handler([](const Request&, Response& response) {
-    if (response.body.empty())
-      answer(response, response.status,
-             {{"error", response.status == 413 ? "more than 256 KiB" : "this is no request"}});
+    if (!response.body.empty()) return;
+    answer(response, response.status,
+           {{"error", response.status == 413 ? "more than 256 KiB" : "this is no request"}});
   });
 }
 
 // Throws unless it comes from the server's own page, or from nowhere, and is of use.
 void Server::admit(const Request& request) const {
-  const auto isOurs = [this](const std::string& host) {
-    const std::string port = address_.substr(address_.find(':'));
-    return host == address_ || host == "localhost" + port;
-  };
-  const std::string origin = request.get_header_value("Origin");
-  if (request.get_header_value_count("Host") != 1 || !isOurs(request.get_header_value("Host")) ||
-      (request.has_header("Origin") &&
-       (origin.rfind("http://", 0) != 0 || !isOurs(origin.substr(7)))))
+  const std::string host = request.get_header_value("Host");
+  if (request.get_header_value_count("Host") != 1 ||
+      (host != fmt::format("127.0.0.1:{}", port_) && host != fmt::format("localhost:{}", port_)) ||
+      (request.has_header("Origin") && request.get_header_value("Origin") != "http://" + host))
     throw Refused{403, "this is for the server's own page alone"};
-  if (request.path.size() > kLongestPath ||
-      !sameInConstantTime(request.path.substr(0, token_.size() + 2), '/' + token_ + '/'))
+  // (How long comparing takes does not tell how much of the token is right.)
+  const std::string start = request.path.substr(0, root_.size());
+  if (request.path.size() > kLongestPath || start.size() < root_.size() ||
+      std::inner_product(root_.begin(), root_.end(), start.begin(), 0, std::bit_or(),
+                         std::bit_xor()) != 0)
     throw Refused{404, "there is nothing here"};
+  const bool hasBody = request.method == "POST" || request.method == "PUT";
+  if (!hasBody && request.method != "GET") throw Refused{405, "there is only GET, POST and PUT"};
   // What the library would read without an end, take apart or blow up.
   const std::string length = request.get_header_value("Content-Length");
   const std::string type = request.get_header_value("Content-Type");
-  const bool hasBody = request.method == "POST" || request.method == "PUT";
   if (request.has_header("Range") || request.has_header("Content-Encoding") ||
       request.has_header("Transfer-Encoding") || type.rfind("multipart/", 0) == 0 ||
       type.rfind("application/x-www-form-urlencoded", 0) == 0 ||
@@ -174,101 +158,72 @@ void Server::admit(const Request& request) const {
     throw Refused{400, "expected a plain body with its length"};
 }
 
-void Server::route(const Request& request, Response& response) {
-  const std::string path = request.path.substr(token_.size() + 2);
-  const std::string first = path.substr(0, path.find('/'));
-  const std::string rest = first == path ? "" : path.substr(first.size() + 1);
-  if (first == "sessions") return routeSession(rest, request, response);
-  if (first == "saved" && !rest.empty()) return routeSaved(rest, request, response);
-  expectMethod(request, "GET");
-  if (path == "about") {
+void Server::addRoutes() {
+  http_.Get(root_ + "about", [this](const Request&, Response& response) {
     json builds = json::array();
     for (const Build& build : options_.builds) builds.push_back(build.name);
-    return answer(response, 200,
-                  {{"version", options_.version},
-                   {"builds", builds},
-                   {"scenarios", scenarioFiles(options_.scenarios)},
-                   {"saved", savedFiles(options_.saved)}});
-  }
-  if (first == "scenarios")
-    answerFile(response, textFile(options_.scenarios, rest, scenarioFiles(options_.scenarios)));
-  else
-    answerFile(response, pageFile(options_.pages, path.empty() ? "index.html" : path));
-}
-
-void Server::routeSaved(const std::string& name, const Request& request, Response& response) const {
-  if (request.method == "GET")
-    return answerFile(response, textFile(options_.saved, name, savedFiles(options_.saved)));
-  expectMethod(request, "PUT");
-  if (options_.saved.empty())
-    throw Refused{403, "the server was not told where to save (--saved DIR)"};
-  if (!mayBeSavedAs(name))
-    throw Refused{400, "a name is up to 64 letters, digits, blanks, _ or -, and .txt"};
-  (void)json(request.body).dump();  // refuses what is not UTF-8
-  save(options_.saved, name, request.body);
-  answer(response, 200, {{"saved", name}});
-}
-
-void Server::routeSession(const std::string& rest, const Request& request, Response& response) {
-  if (rest.empty()) {
-    expectMethod(request, "POST");
-    return answer(response, 200, {{"session", beginSession(request.body)}});
-  }
-  const std::string name = rest.substr(0, rest.find('/'));
-  const std::string what = rest.substr(name.size());
-  const auto session = [&] {
+    answer(response, 200,
+           {{"version", options_.version},
+            {"builds", builds},
+            {"scenarios", scenarioFiles(options_.scenarios)},
+            {"saved", scenarioFiles(options_.saved)}});
+  });
+  http_.Get(root_ + "sessions", [this](const Request& request, Response& response) {
+    openSession(request.get_param_value("build"), response);
+  });
+  http_.Post(root_ + "sessions/([^/]*)", [this](const Request& request, Response& response) {
+    const std::string line = toPlay(request.body);
     const std::lock_guard lock(mutex_);
-    const auto found = sessions_.find(name);
-    return found == sessions_.end() || found->second->hasEnded() ? nullptr : found->second;
-  }();
-  if (!session || (what != "" && what != "/events" && what != "/play"))
-    throw Refused{404, "there is no such session"};
-  if (what == "/play") {
-    expectMethod(request, "POST");
-    if (!session->play(toPlay(request.body))) throw Refused{429, "too many plays wait"};
+    const auto found = sessions_.find(request.matches[1]);
+    const auto session = found == sessions_.end() ? nullptr : found->second.lock();
+    if (!session) throw Refused{404, "there is no such session"};
+    session->play(line);
     answer(response, 202, json::object());
-  } else if (what == "/events") {
-    expectMethod(request, "GET");
-    // A browser that comes back names the last event that it got.
-    const auto next = session->listen(request.get_header_value<std::uint64_t>("Last-Event-ID"));
-    if (!next) throw Refused{409, "two listen already, or what follows is forgotten"};
-    response.set_chunked_content_provider("text/event-stream", [session, next](auto, auto& sink) {
-      const auto events = session->wait(*next);
-      if (!events) sink.done();
-      return !events || sink.write(events->data(), events->size());
-    });
-  } else {
-    expectMethod(request, "DELETE");
-    session->end();
-    const std::lock_guard lock(mutex_);
-    sessions_.erase(name);
-    answer(response, 200, json::object());
-  }
+  });
+  http_.Put(root_ + "saved/(.*)", [this](const Request& request, Response& response) {
+    const std::string name = request.matches[1];
+    if (options_.saved.empty())
+      throw Refused{403, "the server was not told where to save (--saved DIR)"};
+    if (!std::regex_match(name, std::regex("[A-Za-z0-9 _-]{1,64}\\.txt")))
+      throw Refused{400, "a name is up to 64 letters, digits, blanks, _ or -, and .txt"};
+    (void)json(request.body).dump();  // refuses what is not UTF-8
+    save(options_.saved, name, request.body);
+    answer(response, 200, {{"saved", name}});
+  });
+  const std::pair<std::string, std::filesystem::path> folders[] = {
+      {"scenarios/", options_.scenarios}, {"saved/", options_.saved}, {"", options_.pages}};
+  for (const auto& [start, folder] : folders)
+    http_.Get(root_ + start + "(.*)",
+              [folder = folder](const Request& request, Response& response) {
+                const std::string path = request.matches[1];
+                answerFile(response, fileIn(folder, path.empty() ? "index.html" : path));
+              });
 }
 
-std::string Server::beginSession(const std::string& body) {
-  const auto name = json::parse(body).at("build").get<std::string>();
-  const auto build = std::find_if(options_.builds.begin(), options_.builds.end(),
-                                  [&](const Build& each) { return each.name == name; });
-  if (build == options_.builds.end()) throw Refused{400, "there is no build " + name};
+void Server::openSession(const std::string& build, Response& response) {
+  const auto found = std::find_if(options_.builds.begin(), options_.builds.end(),
+                                  [&](const Build& each) { return each.name == build; });
+  if (found == options_.builds.end()) throw Refused{400, "there is no build " + build};
   const std::lock_guard lock(mutex_);
-  std::erase_if(sessions_, [](const auto& session) { return session.second->hasEnded(); });
-  // The pages of some may have been closed; one that has just begun has no listener yet.
-  if (sessions_.size() >= kMostSessions)
-    std::erase_if(sessions_, [](const auto& session) {
-      return session.second->unheard() > std::chrono::seconds(10);
-    });
+  std::erase_if(sessions_, [](const auto& each) { return each.second.expired(); });
   if (sessions_.size() >= kMostSessions) throw Refused{429, "there are too many sessions"};
-  const std::string session = randomHex(8);
-  sessions_[session] = std::make_shared<Session>(build->command, options_.limits);
-  return session;
+  const std::string name = randomHex(8);
+  const auto session = std::make_shared<Session>(found->command, options_.longestPlay);
+  sessions_[name] = session;
+  const std::string first = json{{"session", name}}.dump();
+  response.set_chunked_content_provider("text/event-stream", [=](std::size_t at, auto& sink) {
+    // (Something has to be written for a listener that left to be noticed.)
+    std::string events = ":\n";
+    for (const std::string& line : at == 0 ? std::vector{first} : session->hear())
+      events += "data: " + line + "\n\n";
+    return sink.write(events.data(), events.size());
+  });
 }
 
 void Server::run(std::ostream& out) {
-  const int port = options_.port == 0 ? http_.bind_to_any_port("127.0.0.1") : options_.port;
-  if (port < 0 || (options_.port != 0 && !http_.bind_to_port("127.0.0.1", port)))
+  port_ = options_.port == 0 ? http_.bind_to_any_port("127.0.0.1") : options_.port;
+  if (port_ < 0 || (options_.port != 0 && !http_.bind_to_port("127.0.0.1", port_)))
     throw std::runtime_error(fmt::format("cannot listen on port {}", options_.port));
-  address_ = fmt::format("127.0.0.1:{}", port);
   // Every thread leaves these signals to the one that waits for them.
   sigset_t signals;
   sigemptyset(&signals);
@@ -279,11 +234,9 @@ void Server::run(std::ostream& out) {
     int signal = 0;
     sigwait(&signals, &signal);
     while (!http_.is_running()) std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    http_.stop();
-    const std::lock_guard lock(mutex_);
-    for (const auto& [name, session] : sessions_) session->end();
+    http_.stop();  // and with it the listeners
   });
-  out << "http://" << address_ << '/' << token_ << '/' << std::endl;
+  out << "http://127.0.0.1:" << port_ << root_ << std::endl;
   http_.listen_after_bind();
   ending.join();
 }

@@ -6,8 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "sim/serve/session.hpp"
-
 namespace sim::serve {
 
 struct Build {
@@ -22,7 +20,7 @@ struct ServeOptions {
   std::filesystem::path saved;      // where scenarios are saved; empty: nowhere
   std::string version;
   std::vector<Build> builds;
-  SessionLimits limits;
+  int longestPlay = 20;  // seconds, after which a silent device process is ended
 };
 
 // Serves until SIGINT or SIGTERM. Prints the page's address as a line of its own. Throws

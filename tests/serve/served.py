@@ -72,7 +72,7 @@ class Served:
             connection.close()
 
     def session(self, build="host"):
-        return Session(self, json.loads(self.ask("POST", "sessions", json.dumps({"build": build})).body)["session"])
+        return Session(self, build)
 
     def children(self):
         """Its device processes that run."""
@@ -90,36 +90,29 @@ def parent(process):
 
 
 class Session:
-    def __init__(self, served, name):
-        self.served, self.path = served, f"sessions/{name}"
+    """Hears what its device process says, as an EventSource does."""
+
+    def __init__(self, served, build):
+        self.served = served
+        self.connection = served.connect()
+        self.connection.request("GET", f"{served.url.path}sessions?build={build}")
+        self.response = self.connection.getresponse()
+        self.path = "sessions/" + self.next()["session"]
 
     def play(self, number, *lines):
-        return self.served.ask("POST", f"{self.path}/play", json.dumps({"play": number, "lines": lines})).status
-
-    def listen(self, last=None):
-        return Listener(self.served, f"{self.path}/events", {"Last-Event-ID": str(last)} if last else {})
-
-
-class Listener:
-    """Gets a session's events, as an EventSource does."""
-
-    def __init__(self, served, path, headers):
-        self.connection = served.connect()
-        self.connection.request("GET", served.url.path + path, headers=headers)
-        self.response = self.connection.getresponse()
-        self.last = 0
+        return self.served.ask("POST", self.path, json.dumps({"play": number, "lines": lines})).status
 
     def next(self):
         """The next event; None at the end."""
-        event = {}
-        while "data" not in event or line != "\n":
+        data = ""
+        while not data or line != "\n":
             line = self.response.readline().decode()
             if not line:
                 return None
             key, _, value = line.rstrip("\n").partition(": ")
-            event[key] = value  # (comments are of no use here)
-        self.last = int(event["id"])
-        return json.loads(event["data"])
+            if key == "data":  # (comments are of no use here)
+                data = value
+        return json.loads(data)
 
     def until(self, key):
         """Events up to the first one with this key."""
