@@ -1,32 +1,30 @@
 // What lies around the phone and can be plugged in or pressed.
-import { action, byId, el, fill, onPress } from "./dom.js";
-import { act, isLive, kLooking, onChange, shownState } from "./model.js";
+import { byId, div, el, fill, onPress } from "./dom.js";
+import { act, onChange, shownState } from "./model.js";
+import { action } from "./phone.js";
 import { appName, kWatchApp } from "./words.js";
 
 // Buttons: [label, lines, why it cannot be pressed now, whether it is how things stand].
 function group(name, off, ...buttons) {
   return el("div", { class: "thing", role: "group", "aria-label": name }, el("h3", {}, name),
-    el("div", {}, buttons.map(([label, lines, why, pressed]) =>
-      action(label, lines, isLive() ? off || why : kLooking, { "aria-pressed": pressed == null ? null : String(pressed) }))));
+    div("pair", buttons.map(([label, lines, why, pressed]) =>
+      action(label, lines, off || why, { "aria-pressed": pressed == null ? null : String(pressed) }))));
 }
 
 function watch(state, off) {
   const app = state.apps.find((one) => one.id === kWatchApp);
   if (app && !app.live) return group("Watch", off, ["Start its app", "start " + kWatchApp]);
-  const why = !app && "needs the app Connect: see “Set up the phone”";
-  return group("Watch", off, ["Play", "watch 0", why], ["Next", "watch 1", why], ["Back", "watch 2", why]);
+  const why = off || (!app && "needs the app Connect: see “Set up the phone”");
+  return group("Watch", why, ["Play", "watch 0"], ["Next", "watch 1"], ["Back", "watch 2"]);
 }
 
 function music(state, off) {
-  const held = state.track;
-  const name = held ? appName(held.app, state) : "Music";
-  const id = held ? held.app : "com.apple.Music";
-  return group("What plays", off, [name + " plays", `track ${id} playing\nnow-playing yes`, null, Boolean(held?.playing)],
-    [name + " is paused", `track ${id} paused\nnow-playing yes`, null, Boolean(held && !held.playing)],
-    ["Nothing", "track none\nnow-playing nil", null, !held]);
+  const { track } = state;
+  const id = track?.app ?? "com.apple.Music", name = appName(id, state);
+  return group("What plays", off, [name + " plays", `track ${id} playing\nnow-playing yes`, null, track?.playing === true],
+    [name + " is paused", `track ${id} paused\nnow-playing yes`, null, track?.playing === false],
+    ["Nothing", "track none\nnow-playing nil", null, !track]);
 }
-
-const kWidgetLines = { Auxo: "widget Auxo com.apple.Music no-cell" };
 
 function drawThings() {
   const state = shownState();
@@ -37,17 +35,16 @@ function drawThings() {
     group("Accessory", off, ["Play", "remote 0"], ["Play/Pause", "remote 2"], ["Pause", "remote 1"], ["Next", "remote 4"]),
     watch(state, off),
     group("Phone call", null, state.inCall ? ["End", "call no"] : ["Begin", "call yes"]),
-    group("Network", null, ["On", "network 0x2", null, Boolean(state.network)],
-      ["Off", "network 0x0", null, !state.network]),
+    group("Network", null, state.network ? ["Off", "network 0x0"] : ["On", "network 0x2"]),
     music(state, off),
-    state.addOns.length > 0 && group("Widgets", off,
-      ...state.addOns.map((name) => [name, kWidgetLines[name] ?? "widget " + name])),
+    state.addOns.length > 0 && group("Widgets", off, ...state.addOns.map((name) =>
+      [name, "widget " + name + (name === "Auxo" ? " com.apple.Music no-cell" : "")])),
     silent.length > 0 && group("In the background", off, ...silent.flatMap((app) =>
-      [["Play in " + app.name, `remote 2 in ${app.id}`], ["End " + app.name, "end " + app.id]])),
-    group("Phone", null, ["Restart it", "boot", !state.springBoard && "the phone is off"]));
+      [["Play in " + app.name, "remote 2 in " + app.id], ["End " + app.name, "end " + app.id]])),
+    group("Phone", off, ["Restart it", "boot"]));
 }
 
 export function startAround() {
-  onPress(byId("around"), "do", (lines) => act(lines));
+  onPress(byId("around"), "do", act);
   onChange(drawThings);
 }

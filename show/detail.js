@@ -13,30 +13,23 @@ let shown = null;
 // What decided: the outermost hook, delivery or timer of the same process that this row happened
 // inside of; without any, whatever it happened inside of.
 function rootOf(rows, index) {
-  let decided = -1;
-  let outermost = index;
-  for (let at = index; at >= 0; at = rows[at].parent) {
-    outermost = at;
-    if (rows[at].process === rows[index].process && rows[at].kind in kDecided) decided = at;
-  }
-  return decided < 0 ? outermost : decided;
+  const around = [];
+  for (let at = index; at >= 0; at = rows[at].parent) around.unshift(at);
+  return around.find((at) => rows[at].process === rows[index].process && rows[at].kind in kDecided) ?? around[0];
 }
 
+// That row and all that happened inside of it: how deep each is.
 function inside(rows, root) {
   const depth = new Map([[root, 0]]);
-  const found = [];
-  for (let at = root; at < rows.length; ++at) {
-    if (at !== root && !depth.has(rows[at].parent)) continue;
-    if (at !== root) depth.set(at, depth.get(rows[at].parent) + 1);
-    found.push([at, depth.get(at)]);
-  }
-  return found;
+  for (let at = root + 1; at < rows.length; ++at)
+    if (depth.has(rows[at].parent)) depth.set(at, depth.get(rows[at].parent) + 1);
+  return [...depth];
 }
 
 // What was looked at before that, and what it was: each question once.
-function answers(rows, index, state) {
+function answers(rows, behind, state) {
   const asked = new Map();
-  for (const [at] of inside(rows, rootOf(rows, index))) {
+  for (const [at] of behind) {
     // A number says what it is when it is asked next.
     const number = rows[at].answer === "<NSNumber>" &&
       rows.slice(at + 1, at + 12).find((row) => row.call.endsWith(" boolValue]"));
@@ -47,23 +40,24 @@ function answers(rows, index, state) {
     el("div", {}, el("dt", {}, question), el("dd", {}, answer))));
 }
 
-function decision(rows, index) {
-  const root = rootOf(rows, index);
-  const behind = inside(rows, root);
-  return [
-    kDecided[rows[root].kind] && el("p", {}, kDecided[rows[root].kind], " ", el("code", {}, rows[root].call)),
-    el("details", { "data-key": "calls" }, el("summary", {}, `Every call behind it (${behind.length})`),
-      el("ol", { class: "calls" }, behind.slice(0, 400).map(([at, depth]) =>
-        el("li", { class: `${at === index ? "here " : ""}${rows[at].kind} deep-${Math.min(depth, 8)}` },
-          el("code", {}, rows[at].call || rows[at].kind),
-          rows[at].answer != null && span("answer", " = " + rows[at].answer))),
-        behind.length > 400 && el("li", {}, `… and ${behind.length - 400} more`))),
-  ];
+function decision(root) {
+  return kDecided[root.kind] && el("p", {}, kDecided[root.kind], " ", el("code", {}, root.call));
+}
+
+function calls(rows, behind, index) {
+  const call = ({ call, kind, answer }, depth) =>
+    el("code", {}, "  ".repeat(depth), call || kind, answer != null && " = " + answer);
+  return el("details", { "data-key": "calls" }, el("summary", {}, `Every call behind it (${behind.length})`),
+    el("ul", {}, behind.slice(0, 400).map(([at, depth]) =>
+      el("li", { class: (at === index ? "here " : "") + rows[at].kind }, call(rows[at], depth))),
+      behind.length > 400 && el("li", {}, `… and ${behind.length - 400} more`)));
 }
 
 export function explain(item) {
   shown = item;
-  const row = item.step.rows[item.index];
+  const { rows } = item.step, row = rows[item.index];
+  const root = row && rootOf(rows, item.index);
+  const behind = row && inside(rows, root);
   fill(byId("detail"),
     el("h3", {}, row ? explainRow(row, item.step.state) : item.text),
     el("p", { class: "facts" }, el("b", { class: "tag " + item.outcome }, kOutcomes[item.outcome]),
@@ -72,21 +66,19 @@ export function explain(item) {
       span("pair",
         row?.kind === "effect" && isLive() && el("button", { type: "button", "data-row": "expect" }, "Expect this"),
         el("button", { type: "button", "data-row": "go" }, "Go there"))),
-    row && answers(item.step.rows, item.index, item.step.state),
-    el("code", { class: "call" }, item.call),
-    row && decision(item.step.rows, item.index));
+    row && answers(rows, behind, item.step.state),
+    el("code", { class: "told" }, item.call),
+    row && [decision(rows[root]), calls(rows, behind, item.index)]);
 }
 
 // An expectation of this row, behind its command: in the order of what came, as expectations are found.
 function expectShown() {
   const rows = shown.step.rows;
   const lines = [...model.lines];
+  const comesBefore = (expected) =>
+    expected && rows.findIndex((row) => row.kind === "effect" && row.call === expected[1].trim()) <= shown.index;
   let at = shown.step.step + 1;
-  for (; at < lines.length; ++at) {
-    const before = /^\s*expect(?:-in \S+)? (.*)$/.exec(lines[at]);
-    if (!before) break;
-    if (rows.findIndex((row) => row.kind === "effect" && row.call === before[1].trim()) > shown.index) break;
-  }
+  while (comesBefore(/^\s*expect(?:-in \S+)? (.*)$/.exec(lines[at]))) ++at;
   lines.splice(at, 0, "expect " + rows[shown.index].call);
   play(lines, model.cursor + (at <= model.cursor ? 1 : 0));
 }

@@ -1,14 +1,14 @@
 // Building and updating the document. Texts become text nodes: nothing of a scenario or of a trace is
 // ever read as HTML. What can be pressed says so in data attributes, and one listener a region acts.
 
-const kDrawn = new Set(["svg", "path", "circle", "rect", "g"]);
+const kDrawn = ["svg", "path"];
 
 export const byId = (id) => document.getElementById(id);
 
 // An element with attributes (false and null: left out; true: empty) and children (texts, elements,
 // arrays of them; false, null and empty: left out).
 export function el(tag, attributes = {}, ...children) {
-  const node = kDrawn.has(tag) ? document.createElementNS("http://www.w3.org/2000/svg", tag)
+  const node = kDrawn.includes(tag) ? document.createElementNS("http://www.w3.org/2000/svg", tag)
                                : document.createElement(tag);
   for (const [name, value] of Object.entries(attributes))
     if (value !== false && value != null) node.setAttribute(name, value === true ? "" : value);
@@ -18,12 +18,6 @@ export function el(tag, attributes = {}, ...children) {
 
 export const div = (name, ...children) => el("div", { class: name }, ...children);
 export const span = (name, ...children) => el("span", { class: name }, ...children);
-
-// A button that plays scenario lines. `why` says what it waits for, if it cannot be pressed now.
-export function action(label, lines, why, attributes = {}) {
-  return el("button", { type: "button", "data-do": lines, disabled: Boolean(why), title: why || lines,
-    ...attributes }, label);
-}
 
 function keepAttributes(now, wanted) {
   for (const { name } of [...now.attributes]) if (!wanted.hasAttribute(name)) now.removeAttribute(name);
@@ -49,11 +43,11 @@ export function fill(host, ...nodes) {
   while (host.childNodes.length > wanted.length) host.lastChild.remove();
 }
 
-// Calls `act` with what the data attribute says of the button that is pressed inside of `host`.
+// Calls `act` with what the data attribute of the button says that is pressed inside of `host`.
 export function onPress(host, attribute, act) {
   host.addEventListener("click", (event) => {
     const pressed = event.target.closest(`[data-${attribute}]`);
-    if (pressed && !pressed.disabled) act(pressed.dataset[attribute], pressed, event);
+    if (pressed && !pressed.disabled) act(pressed.dataset[attribute]);
   });
 }
 

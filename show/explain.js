@@ -1,29 +1,25 @@
 // Rows in the words of somebody who uses the phone: tables of patterns and sentences. The first that
-// fits counts. $1 is what the pattern caught; {$1} the name of the app that it caught.
+// fits counts. $1 is what the pattern caught; {$1} the name of the app that it caught, [$1] what the
+// signal says, {} the process.
 import { appName, kSettingNames, kSignals, playControl } from "./words.js";
 
 const kCommandWords = [
   [/^boot$/, "The phone starts, and with it its home screen."],
-  [/^start (\S+)$/, "{$1} is started."],
+  [/^(?:start|open) (\S+)/, "{$1} is started."],
   [/^end (\S+)$/, "{$1} is ended."],
-  [/^open (\S+)/, "The system launches {$1}."],
   [/^tap-title$/, "The title on the media controls is tapped."],
   [/^tap-icon (\S+)$/, "The icon of {$1} is tapped."],
   [/^remote [02]$/, "Play is pressed on an accessory."],
-  [/^remote (\d+)$/, "An accessory sends command $1."],
   [/^remote [02] in (\S+)/, "Play is pressed inside of {$1}."],
-  [/^remote (\d+) in (\S+)/, "{$2} sends media command $1."],
+  [/^remote (\d+)/, "Media command $1 is sent."],
   [/^watch/, "A button is pressed on the watch."],
-  [/^headphones in/, "Headphones are plugged in."],
-  [/^headphones out/, "Headphones are pulled out."],
+  [/^headphones (in|out)/, "The headphones go $1."],
   [/^unlock$/, "The phone is unlocked."],
-  [/^passcode yes/, "The passcode entry is shown."],
-  [/^passcode no/, "The passcode entry goes away."],
+  [/^passcode/, "The passcode entry is shown or goes away."],
   [/^display-off$/, "The display goes off."],
   [/^drag-lock-screen$/, "A finger drags the lock screen."],
   [/^quit-card (\S+)$/, "The card of {$1} is thrown out of the app switcher."],
-  [/^now-playing yes$/, "The system hears that something plays."],
-  [/^now-playing nil$/, "The system hears that nothing plays."],
+  [/^now-playing/, "The system hears what plays now."],
   [/^title-view show \S+ "(.*)"$/, "The system wants “$1” as the title."],
   [/^title-view new/, "The media controls appear."],
   [/^widget (\S+)/, "The open button of the widget $1 is pressed."],
@@ -38,8 +34,13 @@ const kCommandWords = [
   [/^announce$/, "Everybody is told that the settings changed."],
 ];
 
-const kCallWords = [
-  [/^crash: (.*)/, "This process crashed: $1"],
+const kRowWords = [
+  [/^started /, "{} starts, and the library is loaded into it."],
+  [/^ended /, "{} ends."],
+  [/^timer /, "A moment that {} waited for has come."],
+  [/^delivered (.*)/, "{} hears: “[$1]”."],
+  [/^notify_post\("(.*)"\)/, "{} tells everybody: “[$1]”."],
+  [/^crash: (.*)/, "{} crashed: $1"],
   [/launchApplicationWithIdentifier:"(.*?)" suspended:YES/, "{$1} is started in the background."],
   [/launchApplicationWithIdentifier:"(.*?)" suspended:NO/, "{$1} is opened."],
   [/^-\[SBApplication\((.*?)\) processDidLaunch:/, "The home screen notices that {$1} has started."],
@@ -50,7 +51,6 @@ const kCallWords = [
   [/transportControlsView:.* tapOnControlType:(\d+)/, "A tap on control $1 of the media controls."],
   [/mediaControlsTitlesViewWasTapped/, "A tap on the now-playing title."],
   [/_launchIcon/, "An icon on the home screen starts its app."],
-  [/setNowPlayingInfo:nil/, "The home screen learns that nothing plays."],
   [/setNowPlayingInfo:/, "The home screen learns what plays now."],
   [/^-\[SBMediaController play\]/, "What is loaded goes on playing."],
   [/^MRMediaRemoteSendCommand\([02],/, "A play command for the system's media service."],
@@ -116,17 +116,10 @@ export function explainCommand(line, state) {
 
 // What one row means. Always a sentence, if need be a general one.
 export function explainRow(row, state) {
-  const process = appName(row.process, state);
-  if (row.kind === "started") return `${process} starts, and the library is loaded into it.`;
-  if (row.kind === "ended") return `${process} ends.`;
-  if (row.kind === "timer") return `A moment that ${process} waited for has come.`;
-  if (row.kind === "delivered") return `${process} hears: “${kSignals.get(row.call) ?? row.call}”.`;
-  const post = /^notify_post\("(.*)"\)/.exec(row.call);
-  if (post) return `${process} tells everybody: “${kSignals.get(post[1]) ?? post[1]}”.`;
-  const plain = fitting(kCallWords, row.call, state);
+  const called = row.kind === "effect" || row.kind === "hook";
+  const plain = fitting(kRowWords, called ? row.call : `${row.kind} ${row.call}`, state)?.replace("{}", appName(row.process, state));
   if (row.kind === "hook") return (plain ?? "A call.").replace(/\.$/, ": the library answers instead.");
-  if (plain) return plain;
-  return row.by === "passed" ? "The library looks at this call and passes it on." : "The phone is asked for this.";
+  return plain ?? (row.by === "passed" ? "The library looks at this call and passes it on." : "The phone is asked for this.");
 }
 
 // What a call asks and what it was told: [question, answer], or null for a call of no interest.
@@ -135,9 +128,9 @@ export function explainQuestion(row, state) {
   if (setting) {
     const name = kSettingNames.get(setting[1]);
     if (!name) return null;
-    const text = /^"(.*)"$/.exec(row.answer ?? "");
+    const text = /^"(.*)"$/.exec(row.answer);
     const said = { YES: "on", 1: "on", NO: "off", 0: "off" }[row.answer] ?? "not set";
-    return ["Setting “" + name + "”", text ? appName(text[1], state) : said];
+    return [`Setting “${name}”`, text ? appName(text[1], state) : said];
   }
   const question = row.answer != null && /^[-+]\[/.test(row.call) && fitting(kQuestions, row.call, state);
   return question ? [question, { YES: "yes", NO: "no" }[row.answer] ?? row.answer] : null;

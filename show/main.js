@@ -3,8 +3,8 @@ import { byId, el, fill, say } from "./dom.js";
 import { startAround } from "./around.js";
 import { startRecord } from "./compare.js";
 import { startDetail } from "./detail.js";
-import { about, openSession } from "./live.js";
-import { connect, model, onChange, play, receive, replay, showRecording } from "./model.js";
+import { about } from "./live.js";
+import { endDevice, model, onChange, play, showRecording, useBuild } from "./model.js";
 import { startPace } from "./pace.js";
 import { startPhone } from "./phone.js";
 import { openFile, openText, startScenario } from "./scenario.js";
@@ -23,67 +23,43 @@ boot
 title-view new lock-screen
 title-view show lock-screen "Music"`;
 
-let session = null;
-
-async function useBuild(build) {
-  session?.close();
-  session = null;
-  const waiting = [];
-  connect((number, lines) => (session ? session.play(number, lines) : waiting.push([number, lines])));
-  session = await openSession(build, receive, say);
-  waiting.forEach(([number, lines]) => session.play(number, lines));
-}
-
-function startAll(builds, files) {
-  startPhone();
-  startAround();
-  startDetail();
-  startSetUp();
-  startRecord(builds, () => byId("build").value);
-  startScenario(files);
-  startPace();
+function startAll(builds, edition, files) {
+  fill(byId("edition"), edition);
   fill(byId("build"), builds.map((name) => el("option", { value: name }, name)));
+  for (const start of [startPhone, startAround, startDetail, startSetUp, startPace]) start();
+  startRecord(builds);
+  startScenario(files);
   onChange(() => {
     document.body.classList.toggle("busy", model.busy);
     if (model.note) say(model.note);
     model.note = "";
-    if (model.gone) say(`The device process ended: ${model.gone}. Whatever you do next starts it anew.`);
   });
 }
 
 // What the address asks for: #scenario=TEXT, or #open=scenarios/PATH (or saved/NAME). Answers whether
 // it asks for anything.
-async function openAsked() {
-  const asked = /^#(scenario|open)=(.*)$/s.exec(location.hash);
-  if (!asked) return false;
-  const what = decodeURIComponent(asked[2]);
-  if (asked[1] === "scenario") openText(what, "from a link");
-  else await openFile(what.slice(0, what.indexOf("/")), what.slice(what.indexOf("/") + 1));
-  return true;
-}
-
-function showEmbedded(recording) {
-  document.body.classList.add("recorded");
-  startAll([recording.build], null);
-  fill(byId("edition"), "a recording, " + recording.build);
-  showRecording(recording);
+function openAsked() {
+  const [, kind, asked] = /^#(scenario|open)=(.*)$/s.exec(location.hash) ?? [];
+  if (kind === "scenario") openText(decodeURIComponent(asked), "from a link");
+  if (kind === "open") openFile(decodeURIComponent(asked));
+  return Boolean(kind);
 }
 
 async function showLive() {
   try {
     const told = await about();
-    await useBuild(told.builds[0]);
-    startAll(told.builds, told);
-    fill(byId("edition"), told.version);
-    byId("build").addEventListener("change", async (event) => {
-      try { await useBuild(event.target.value); replay(); } catch (error) { say(error.message); }
-    });
+    startAll(told.builds, told.version, told);
+    useBuild(told.builds[0], say);
+    byId("build").addEventListener("change", (event) => useBuild(event.target.value, say));
     addEventListener("hashchange", openAsked);
-    addEventListener("pagehide", () => session?.close());
-    if (!await openAsked()) play(kBeginning.split("\n"), undefined, false);
+    addEventListener("pagehide", endDevice);
+    if (!openAsked()) play(kBeginning.split("\n"), undefined, false);
   } catch (error) { say(error.message); }
 }
 
-const recording = byId("recording");
-if (recording) showEmbedded(JSON.parse(recording.textContent));
-else showLive();
+const recording = JSON.parse(byId("recording")?.textContent ?? null);
+if (recording) {
+  document.body.classList.add("recorded");
+  startAll([recording.build], "a recording, " + recording.build, { scenarios: [], saved: [] });
+  showRecording(recording);
+} else showLive();

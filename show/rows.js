@@ -10,20 +10,17 @@ export const kOutcomes = {
   system: "system", timer: "timer", life: "process", crash: "crash", failed: "failed",
 };
 
-function outcomeOf(row) {
-  if (row.kind === "hook") return "taken";
-  if (row.kind === "delivered") return "arrives";
-  if (row.kind === "timer") return "timer";
-  if (row.kind === "started" || row.kind === "ended") return "life";
-  if (row.call.startsWith("crash:")) return "crash";
-  if (row.call.startsWith("notify_post(")) return "signal";
-  return { library: "own", passed: "passed" }[row.by] ?? "system";
+const kOfKind = { hook: "taken", delivered: "arrives", timer: "timer", started: "life", ended: "life" };
+const kOfMaker = { library: "own", passed: "passed", system: "system" };
+
+function outcomeOf({ kind, call, by }) {
+  if (kind !== "effect") return kOfKind[kind];
+  return call.startsWith("crash:") ? "crash" : call.startsWith("notify_post(") ? "signal" : kOfMaker[by];
 }
 
-const kShown = new Set(["effect", "delivered", "timer", "started", "ended"]);
-const isShown = (row) => kShown.has(row.kind) || (row.kind === "hook" && row.taken);
-const isStartUp = (step, row) => !row.call.startsWith("crash:") && row.kind !== "started" && row.kind !== "ended" &&
-  (step.line === "boot" || /^(MSHook|CFNotificationCenterAdd)/.test(row.call));
+const isShown = (row) => (row.kind === "hook" ? row.taken : row.kind === "effect" || row.kind in kOfKind);
+const isStartUp = (line, call, outcome) => outcome !== "crash" && outcome !== "life" &&
+  (line === "boot" || /^(MSHook|CFNotificationCenterAdd)/.test(call));
 
 const kept = new WeakMap();
 
@@ -45,10 +42,10 @@ function itemsOf(step, before) {
   }
   step.rows.forEach((row, index) => {
     if (!isShown(row)) return;
-    const called = row.kind === "effect" || row.kind === "hook";
-    const call = row.kind === "delivered" ? `“${row.call}”` : called ? row.call : row.kind + " " + row.call;
-    items.push({ step, index, process: row.process, time: row.time, outcome: outcomeOf(row), call,
-      startUp: isStartUp(step, row), get text() { return (this.said ??= explainRow(row, step.state)); } });
+    const { process, time, kind } = row, outcome = outcomeOf(row);
+    const call = kind === "delivered" ? `“${row.call}”` : outcome === kind || outcome === "life" ? `${kind} ${row.call}` : row.call;
+    items.push({ step, index, process, time, outcome, call, startUp: isStartUp(line, row.call, outcome),
+      get text() { return (this.said ??= explainRow(row, step.state)); } });
   });
   kept.set(step, items);
   return items;
@@ -59,26 +56,20 @@ const matching = (item, filter) => (!filter.process || item.process === filter.p
   (!filter.text || (item.call + " " + item.text + " " + item.process).toLowerCase().includes(filter.text));
 
 // What stands for all the start-up rows of a process, or for all the lines of the set-up.
-function foldedItem(item) {
-  return { ...item, folded: 1, outcome: item.process ? "own" : "command", get text() {
-    const things = (item.process ? " row" : " line") + (this.folded === 1 ? "" : "s");
-    return `${item.process ? "Starting up" : "Setting up the phone"}: ${this.folded}${things}, press to show`;
-  } };
-}
+const foldedItem = (item) => ({ ...item, folded: 1, outcome: item.process ? "own" : "command", get text() {
+  return `${item.process ? "Starting up" : "Setting up the phone"} (${this.folded}), press to show`;
+} });
 
 // The record of these steps. `filter`: {process, outcome, text, folded}.
 export function recordOf(steps, count, filter) {
   const record = [];
   const take = (item) => {
-    if (!filter.folded || !item.startUp) {
-      if (matching(item, filter)) record.push(item);
-      return;
-    }
+    const folded = filter.folded && item.startUp;
     const last = record.at(-1);
-    if (last?.folded && last.process === item.process && (last.step === item.step || !item.process)) {
+    if (folded && last?.folded && last.process === item.process && (last.step === item.step || !item.process)) {
       ++last.folded;
       last.call += "\n" + item.call;
-    } else if (!filter.outcome && !filter.text && matching(item, filter)) record.push(foldedItem(item));
+    } else if (matching(item, filter)) record.push(folded ? foldedItem(item) : item);
   };
   for (let at = 0; at < count; ++at) itemsOf(steps[at], steps[at - 1]?.state ?? kStartState).forEach(take);
   return record;
@@ -89,8 +80,8 @@ const kTelling = [/^crash/, /UIAlertView show/, /launchApplicationWith|openURL|s
 // The row that says best what the last command of the record led to.
 export function newestOf(record) {
   const last = record.filter((item) => item.step === record.at(-1)?.step);
-  const found = kTelling.map((pattern) => last.find((item) => item.process && !item.folded && pattern.test(item.call))).find(Boolean);
-  return found ?? last.at(-1);
+  const telling = (pattern) => last.find((item) => item.process && !item.folded && pattern.test(item.call));
+  return kTelling.map(telling).find(Boolean) ?? last.at(-1);
 }
 
 // The processes of a record, in the order in which they appear.
@@ -111,11 +102,10 @@ export function arrowsOf(record) {
 // Where two records begin to differ: an index in each, -1 where there is none. Lines and their wording
 // do not count, times do.
 export function firstDifference(some, others) {
-  const rows = (record) => record.map((item, at) => [item, at]).filter(([item]) => item.process);
+  const rows = (record) => record.filter((item) => item.process);
   const mine = rows(some), theirs = rows(others);
-  const same = (one, other) => one && other && one.process === other.process && one.time === other.time &&
-    one.outcome === other.outcome && one.call === other.call && one.folded === other.folded;
-  for (let at = 0; at < Math.max(mine.length, theirs.length); ++at)
-    if (!same(mine[at]?.[0], theirs[at]?.[0])) return [mine[at]?.[1] ?? -1, theirs[at]?.[1] ?? -1];
-  return [-1, -1];
+  const differs = (one, other) => ["process", "time", "outcome", "call", "folded"].some((name) => one?.[name] !== other?.[name]);
+  let at = 0;
+  while (at < mine.length && !differs(mine[at], theirs[at])) ++at;
+  return [some.indexOf(mine[at]), others.indexOf(theirs[at])];
 }

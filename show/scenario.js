@@ -5,31 +5,39 @@ import { failedStep, model, moveTo, onChange, play, shownSteps } from "./model.j
 import { holdTime } from "./pace.js";
 
 let editing = false;
-let files = { scenarios: [], saved: [] };
+let applied = false;  // what is edited was played, and nothing refused it yet
+let files = null;
 
 const linesOf = (text) => text.replace(/\r/g, "").replace(/\n+$/, "").split("\n");
+const textOf = (lines) => lines.join("\n") + "\n";
+
+// Does what may fail, and says what became of it.
+async function attempt(work) {
+  try { say(await work()); } catch (error) { say(error.message); }
+}
 
 export function openText(text, name) {
+  leave();
   holdTime();
   play(linesOf(text));
   model.name = name;
 }
 
-export async function openFile(folder, name) {
-  try {
-    openText(await readFile(folder, name), name);
-    say(`Opened ${name}.`);
-  } catch (error) { say(error.message); }
-}
+// `path` begins with the folder: scenarios/ or saved/.
+export const openFile = (path) => attempt(async () => {
+  const [, folder, name] = /^(\w*)\/?(.*)$/.exec(path);
+  openText(await readFile(folder, name), name);
+  return `Opened ${name}.`;
+});
 
 // ---- Lines to look at
 
 function line(text, at, current, before) {
   const step = at < model.valid ? model.steps[at] : null;
-  const mark = step?.error || step?.holds === false ? "✗" : step?.holds ? "✓" : at === current ? "▸" : "";
-  const kind = [at >= model.cursor && "later", at === current && "current", mark === "✗" && "bad",
+  const note = step?.error ?? (step?.holds === false ? "does not hold; came: " + (step.instead?.[0] ?? "nothing") : "");
+  const mark = note ? "✗" : step?.holds ? "✓" : at === current ? "▸" : "";
+  const kind = [at >= model.cursor && "later", at === current && "current", note && "bad",
     /^\s*(#|$)/.test(text) && "remark"].filter(Boolean).join(" ");
-  const note = step?.error ?? (step?.holds === false ? "does not hold; came: " + (step.instead?.[0] ?? "nothing") : null);
   const key = [at, text, kind, mark, note].join();
   if (before?.dataset.key === key) return before;
   return el("li", { class: kind, "data-key": key },
@@ -39,13 +47,13 @@ function line(text, at, current, before) {
 }
 
 function drawScenario() {
-  const current = shownSteps() - 1;
-  byId("viewing").hidden = editing;
-  byId("editing").hidden = !editing;
   fill(byId("name"), model.name || "untitled");
   if (model.wrong && !editing) edit(model.wrong.lines);
+  if (applied && !model.busy && !model.wrong) leave();
+  byId("viewing").hidden = editing;
+  byId("editing").hidden = !editing;
   if (editing) return drawWrong();
-  const list = byId("lines");
+  const list = byId("lines"), current = shownSteps() - 1;
   const before = list.querySelector("[aria-current]");
   fill(list, model.lines.map((text, at) => line(text, at, current, list.children[at])));
   const now = list.querySelector("[aria-current]");
@@ -58,28 +66,24 @@ function drawScenario() {
 
 function edit(lines = model.lines) {
   editing = true;
-  byId("text").value = lines.join("\n") + "\n";
+  byId("text").value = textOf(lines);
   drawScenario();
   byId("text").focus();
 }
 
 // The message stands below the line that it is about.
 function drawWrong() {
-  const note = byId("wrong");
+  const area = byId("text"), note = byId("wrong");
   note.hidden = !model.wrong;
-  if (!model.wrong) { if (!model.busy && applied) leave(); return; }
+  area.setAttribute("aria-invalid", Boolean(model.wrong));
+  if (!model.wrong) return;
   applied = false;
   note.textContent = `Line ${model.wrong.line + 1}: ${model.wrong.message}`;
-  const area = byId("text");
-  area.setAttribute("aria-invalid", "true");
   const height = parseFloat(getComputedStyle(area).lineHeight);
   note.style.top = (model.wrong.line + 1) * height + 10 - area.scrollTop + "px";
 }
 
-let applied = false;
 function apply() {
-  model.wrong = null;
-  byId("text").removeAttribute("aria-invalid");
   applied = true;
   holdTime();
   play(linesOf(byId("text").value));
@@ -88,62 +92,56 @@ function apply() {
 function leave() {
   editing = applied = false;
   model.wrong = null;
-  drawScenario();
 }
 
 // ---- Files and links
 
 function drawFiles() {
-  const folders = new Map();
+  const folders = { "saved by you": files.saved.map((name) => "saved/" + name) };
   for (const path of files.scenarios) {
-    const folder = path.includes("/") ? path.slice(0, path.lastIndexOf("/")) : "scenarios";
-    folders.set(folder, [...(folders.get(folder) ?? []), path]);
+    const folder = path.split("/").slice(0, -1).join("/") || "scenarios";
+    (folders[folder] ??= []).push("scenarios/" + path);
   }
-  const choice = (folder) => (path) => el("option", { value: folder + " " + path }, /([^/]*?)(\.txt)?$/.exec(path)[1]);
-  fill(byId("open"), el("option", { value: "" }, "Open…"),
-    files.saved.length > 0 && el("optgroup", { label: "saved by you" }, files.saved.map(choice("saved"))),
-    [...folders].map(([folder, paths]) => el("optgroup", { label: folder }, paths.map(choice("scenarios")))));
+  fill(byId("open"), el("option", { value: "" }, "Open…"), Object.entries(folders).map(([folder, paths]) =>
+    paths.length > 0 && el("optgroup", { label: folder },
+      paths.map((path) => el("option", { value: path }, /([^/]*?)(\.txt)?$/.exec(path)[1])))));
 }
 
-async function save() {
-  const name = byId("save-as").value.trim().replace(/(\.txt)?$/, ".txt");
-  try {
-    const { saved } = await saveFile(name, model.lines.join("\n") + "\n");
-    if (!files.saved.includes(saved)) files.saved.push(saved);
-    model.name = saved;
-    drawFiles();
-    drawScenario();
-    say(`Saved as ${saved}.`);
-  } catch (error) { say(error.message); }
+const save = () => attempt(async () => {
+  const { saved } = await saveFile(byId("save-as").value.trim().replace(/(\.txt)?$/, ".txt"), textOf(model.lines));
+  if (!files.saved.includes(saved)) files.saved.push(saved);
+  model.name = saved;
+  drawFiles();
+  drawScenario();
+  return `Saved as ${saved}.`;
+});
+
+const link = () => attempt(async () => {
+  history.replaceState(null, "", "#scenario=" + encodeURIComponent(model.lines.join("\n")));
+  const copied = await navigator.clipboard?.writeText(location.href).then(() => true, () => false);
+  return copied ? "The link is copied. It holds the whole scenario." : "The link stands in the address bar.";
+});
+
+function cancel() {
+  leave();
+  drawScenario();
 }
 
-const linkTo = (lines) => location.href.replace(/#.*/, "") + "#scenario=" + encodeURIComponent(lines.join("\n"));
-
-async function copyLink() {
-  const link = linkTo(model.lines);
-  history.replaceState(null, "", link);
-  try {
-    await navigator.clipboard.writeText(link);
-    say("The link is copied. It holds the whole scenario.");
-  } catch { say("The link stands in the address bar."); }
-}
-
-const kFileActions = { edit: () => edit(), apply, cancel: leave, link: copyLink, save };
+const kFileActions = { edit: () => edit(), apply, cancel, link, save };
 
 export function startScenario(told) {
-  if (told) files = told;
+  files = told;
   drawFiles();
   onPress(byId("scenario"), "file", (what) => kFileActions[what]());
-  onPress(byId("lines"), "line", (cursor) => moveTo(+cursor));
-  byId("open").addEventListener("change", (event) => {
-    const [folder, ...path] = event.target.value.split(" ");
-    event.target.value = "";
-    if (path.length) { leave(); openFile(folder, path.join(" ")); }
+  onPress(byId("lines"), "line", moveTo);
+  byId("open").addEventListener("change", ({ target }) => {
+    if (target.value) openFile(target.value);
+    target.value = "";
   });
   byId("text").addEventListener("scroll", drawWrong);
   byId("text").addEventListener("keydown", (event) => {
     if (event.key === "Enter" && (event.ctrlKey || event.metaKey)) apply();
-    if (event.key === "Escape") leave();
+    if (event.key === "Escape") cancel();
   });
   onChange(drawScenario);
 }

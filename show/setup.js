@@ -5,36 +5,38 @@ import { isLive, model, onChange, play } from "./model.js";
 import { holdTime } from "./pace.js";
 import { kAddOns, kApps, kChoosers, kDefaultVersion, kFrameworks, kSwitches, kVersions, playControl } from "./words.js";
 
-const escaped = (text) => text.replace(/[.*+?^${}()|[\]\\]/g, "\\$&");
-const startsWith = (words) => new RegExp("^\\s*" + escaped(words) + "(\\s|$)");
-
 function headLength(lines) {
   const boot = lines.findIndex((line) => /^\s*boot\b/.test(line));
   return boot < 0 ? lines.length : boot;
 }
 
+// Whether a line begins with these words.
+const beginsWith = (words) => (line) => (line.trim().replace(/\s+/g, " ") + " ").startsWith(words + " ");
+const headLines = (lines, words) => lines.slice(0, headLength(lines)).filter(beginsWith(words));
+// What stands behind those words, without a remark and quotes; null if no line begins with them.
+function said(lines, words) {
+  const last = headLines(lines, words).at(-1);
+  return last == null ? null : last.trim().replace(/\s+#[^"]*$/, "").split(/\s+/).slice(words.split(" ").length).join(" ")
+    .replace(/^"|"$/g, "");
+}
+
 // The lines with `line` in the place of those of the head that begin with `words`; null: without.
 function withHead(lines, words, line) {
-  const end = headLength(lines);
-  const pattern = startsWith(words);
-  const first = lines.findIndex((one, at) => at < end && pattern.test(one));
+  const end = headLength(lines), begins = beginsWith(words);
+  const first = lines.findIndex((one, at) => at < end && begins(one));
   const top = Math.max(0, lines.findIndex((one) => !/^\s*(#|$)/.test(one)));
   const at = first >= 0 ? first : words === "version" ? top : end;
-  const others = lines.filter((one, index) => index >= end || !pattern.test(one));
-  if (line !== null) others.splice(at, 0, line);
+  const others = lines.filter((one, index) => index >= end || !begins(one));
+  if (line) others.splice(at, 0, line);
   return others;
 }
 
-function versionOf(lines) {
-  const last = lines.slice(0, headLength(lines)).findLast((line) => startsWith("version").test(line));
-  return last ? +last.trim().split(/\s+/)[1] : kDefaultVersion;
-}
+const versionOf = (lines) => +(said(lines, "version") ?? kDefaultVersion);
 
 // The same scenario on another version: Play keeps being Play, whatever its number.
 export function onVersion(lines, version) {
-  const from = playControl(versionOf(lines)), to = playControl(version);
-  return withHead(lines, "version", "version " + version)
-    .map((line) => (from === to ? line : line.replace(new RegExp(`^(\\s*tap-transport )${from}\\b`), "$1" + to)));
+  const play = new RegExp(`^(\\s*tap-transport )${playControl(versionOf(lines))}\\b`);
+  return withHead(lines, "version", "version " + version).map((line) => line.replace(play, "$1" + playControl(version)));
 }
 
 function change(lines) {
@@ -42,78 +44,63 @@ function change(lines) {
   play(lines, Math.max(0, model.cursor + lines.length - model.lines.length));
 }
 
-// ---- What the head says
-
-function read() {
-  const said = { apps: new Map(), addOns: new Set(), missing: [], frameworks: new Map(), settings: new Map() };
-  for (const line of model.lines.slice(0, headLength(model.lines))) {
-    const [word, first, ...rest] = line.trim().replace(/\s+#[^"]*$/, "").split(/\s+/);
-    if (word === "app") said.apps.set(first, rest.join(" ").replace(/^"|"$/g, ""));
-    if (word === "addon") said.addOns.add(first);
-    if (word === "no-class") said.missing.push(first);
-    if (word === "framework") said.frameworks.set(first, rest[0]);
-    if (word === "prefs") said.settings.set(first, rest.join(" ").replace(/^"|"$/g, ""));
-  }
-  return said;
-}
-
 // ---- The form. Every field names the words that its line begins with, and the line.
 
-const field = (words, line, more) => ({ "data-words": words, "data-says": line, disabled: !isLive(), ...more });
-const check = (name, on, words, line = words) =>
-  el("label", { class: "check" }, el("input", field(words, line, { type: "checkbox", checked: on })), name);
-const pick = (name, value, choices, words, line) => el("label", { class: "pick" }, el("span", {}, name),
-  el("select", field(words, line), choices.map(([says, shown]) => el("option", { value: says, selected: says === value }, shown))));
-const kLoaded = [["", "as usual"], ["loaded", "loaded"], ["late", "late"], ["missing", "missing"]];
+function check(name, words, line = words, checked = said(model.lines, words) != null) {
+  return el("label", { class: "check" },
+    el("input", { type: "checkbox", "data-words": words, "data-line": line, checked }), name);
+}
+
+function pick(name, words, line, choices) {
+  const value = said(model.lines, words) ?? "";
+  return el("label", { class: "pick" }, name, el("select", { "data-words": words, "data-line": line },
+    choices.map(([says, shown]) => el("option", { value: says, selected: says === value }, shown))));
+}
+
 const part = (name, ...fields) => el("fieldset", {}, el("legend", {}, name), fields);
+const secondWords = (word) => headLines(model.lines, word).map((line) => line.trim().split(/\s+/)[1]);
 
 function drawForm() {
   if (!byId("set-up").open) return;
-  const said = read();
-  const apps = new Map([...kApps, ...said.apps]);
-  const choices = [["", "None"], ...apps];
-  const without = (name, shown = name) => check(shown, said.missing.includes(name), "no-class " + name);
+  const apps = new Map(kApps);
+  for (const id of secondWords("app")) apps.set(id, said(model.lines, "app " + id));
+  const missing = new Set(["ALApplicationList", ...secondWords("no-class")]);
+  const loaded = [["", "as usual"], ["loaded", "loaded"], ["late", "late"], ["missing", "missing"]];
   fill(byId("form"),
     part("Apps installed", [...apps].map(([id, name]) =>
-      id !== "com.apple.Music" && check(name, said.apps.has(id), "app " + id, `app ${id} "${name}"`))),
-    part("Settings file", kSwitches.map(([key, name]) =>
-      check(name, said.settings.get(key) === "yes", "prefs " + key, `prefs ${key} yes`)),
-      kChoosers.map(([key, name]) => pick(name, said.settings.get(key) ?? "", choices, "prefs " + key, `prefs ${key} "%"`))),
-    part("Add-ons", kAddOns.map((name) => check(name, said.addOns.has(name), "addon " + name))),
-    part("Missing", without("ALApplicationList", "AppList"),
-      said.missing.filter((name) => name !== "ALApplicationList").map((name) => without(name)),
-      el("label", { class: "pick" }, el("span", {}, "Another class"),
-        el("input", { type: "text", id: "missing-class", placeholder: "SPTPlayer" }))),
-    part("Frameworks", kFrameworks.map((name) =>
-      pick(name, said.frameworks.get(name) ?? "", kLoaded, "framework " + name, `framework ${name} %`))));
+      id !== "com.apple.Music" && check(name, "app " + id, `app ${id} "${name}"`))),
+    part("Settings file", kSwitches.map(([key, name]) => 
+      check(name, "prefs " + key, `prefs ${key} yes`, said(model.lines, "prefs " + key) === "yes")),
+      kChoosers.map(([key, name]) => pick(name, "prefs " + key, `prefs ${key} "%"`, [["", "None"], ...apps]))),
+    part("Add-ons", kAddOns.map((name) => check(name, "addon " + name))),
+    part("Missing classes", [...missing].map((name) => check(name, "no-class " + name)),
+      el("label", { class: "pick" }, "Another", el("input", { type: "text", "data-line": "no-class %", placeholder: "SPTPlayer" }))),
+    part("Frameworks", kFrameworks.map((name) => pick(name, "framework " + name, `framework ${name} %`, loaded))));
+}
+
+function drawVersion() {
+  const shown = byId("version"), version = versionOf(model.lines);
+  const known = kVersions.map(([name, number]) => ["iOS " + name, number]);
+  if (!known.some(([, number]) => number === version)) known.push(["version " + version, version]);
+  fill(shown, known.map(([name, number]) => el("option", { value: number }, name)));
+  shown.value = version;
+  shown.disabled = !isLive();
 }
 
 export function startSetUp() {
-  const versions = byId("version");
-  fill(versions, kVersions.map(([name, number]) => el("option", { value: number }, "iOS " + name)));
-  versions.addEventListener("change", () => change(onVersion(model.lines, +versions.value)));
+  byId("version").addEventListener("change", ({ target }) => change(onVersion(model.lines, +target.value)));
   byId("set-up").addEventListener("toggle", ({ target }) => {
     drawForm();
     if (target.open) target.scrollIntoView({ block: "start" });
   });
   byId("form").addEventListener("submit", (event) => event.preventDefault());
   byId("form").addEventListener("change", ({ target }) => {
-    if (target.id === "missing-class") {
-      if (/^\w+$/.test(target.value)) change(withHead(model.lines, "no-class " + target.value, "no-class " + target.value));
-      target.value = "";
-      return;
-    }
-    const { words, says } = target.dataset;
-    const line = target.type === "checkbox" ? target.checked && says : target.value && says.replace("%", target.value);
-    change(withHead(model.lines, words, line || null));
+    const value = target.type === "checkbox" ? target.checked : target.value.trim();
+    const line = value && target.dataset.line.replace("%", value);
+    const words = target.dataset.words ?? line;
+    if (words) change(withHead(model.lines, words, line));
+    if (target.type === "text") target.value = "";
   });
-  onChange(() => {
-    const version = versionOf(model.lines);
-    const known = kVersions.some(([, number]) => number === version);
-    if (!known && ![...versions.options].some((option) => +option.value === version))
-      versions.append(el("option", { value: version }, "version " + version));
-    if (document.activeElement !== versions || !model.busy) versions.value = version;
-    versions.disabled = !isLive();
-    drawForm();
-  });
+  onChange(drawVersion);
+  onChange(drawForm);
 }
