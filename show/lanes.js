@@ -42,10 +42,9 @@ export class Lanes {
 
   // Shows another record. If it ends elsewhere, the newest command and what it did come into view.
   show(record, state) {
-    const item = this.record[this.at];
+    const item = this.record[this.at], lanes = lanesOf(record);
     const moved = record.at(-1)?.step !== this.record.at(-1)?.step;
-    const lanes = lanesOf(record);
-    Object.assign(this, { record, state, lanes, pitch: Math.max(3, Math.min(24, 240 / lanes.length)), arrows: arrowsOf(record) });
+    Object.assign(this, { record, state, lanes, arrows: arrowsOf(record), pitch: Math.min(24, 240 / lanes.length) });
     this.at = item ? record.findIndex((one) => one.step === item.step && one.index === item.index) : -1;
     this.space.style.height = record.length * kRow + "px";
     fill(this.head, span("time", "time"),
@@ -56,9 +55,8 @@ export class Lanes {
   }
 
   scrollTo(at, middle = false) {
-    const top = at * kRow, room = this.box.clientHeight;
-    if (middle) this.box.scrollTop = top - room / 2;
-    else this.box.scrollTop = Math.max(top + kRow - room, Math.min(top, this.box.scrollTop));
+    const { box } = this, top = at * kRow, room = box.clientHeight;
+    box.scrollTop = middle ? top - room / 2 : Math.max(top + kRow - room, Math.min(top, box.scrollTop));
     this.draw();
   }
 
@@ -107,12 +105,9 @@ export class Lanes {
         "aria-setsize": this.record.length },
       span("time", clock(item.time)),
       span("strip"),
-      el("span", { class: "words" },
-        el("span", { class: "what" },
-          el("b", { class: "tag" }, differs ? "first difference" : kOutcomes[item.outcome]),
-          item.process && span("who", appName(item.process, this.state)),
-          span("text", item.text)),
-        el("code", {}, item.folded ? "" : item.call)));
+      span("words", span("text", item.text),
+        span("", el("b", { class: "tag" }, differs ? "first difference" : kOutcomes[item.outcome]),
+          item.process && span("who", appName(item.process, this.state), " "), el("code", {}, !item.folded && item.call))));
   }
 
   // Lanes, arrows and marks of the rows from `first` to `end`, in one picture above them.

@@ -37,7 +37,7 @@ function mediaControls({ titles, track, version, ...state }) {
     action([el("b", {}, title), el("small", {}, !track ? "nothing is loaded" : playing ? "playing" : "paused")],
       "tap-title", null, { class: "title" }),
     div("transport", button("Previous", 1, kBack),
-      button(playing ? "Pause" : "Play", playControl(version), playing ? kPause : kPlay, "round big"),
+      button(playing ? "Pause" : "Play", playControl(version), playing ? kPause : kPlay, "round big main"),
       button("Next", 5, kNext)));
 }
 
