@@ -1,7 +1,6 @@
 // What happened, once or twice: the record with its filters, and beside it, if asked for, that of the
 // same lines on another build or another version, with the first difference marked in both.
-import { byId, el, fill, say } from "./dom.js";
-import { explain } from "./detail.js";
+import { byId, el, fill } from "./dom.js";
 import { Lanes } from "./lanes.js";
 import { Device } from "./live.js";
 import { kStartState, model, onChange, shownState, shownSteps } from "./model.js";
@@ -12,11 +11,6 @@ import { appName, kVersions } from "./words.js";
 const filter = { process: "", outcome: "", text: "", folded: true };
 let main = null;   // the lanes
 let other = null;  // {name, version, device, lanes, from: the lines that it was last played for, found}
-
-function unfold() {
-  byId("by-folded").checked = filter.folded = false;
-  drawRecord();
-}
 
 function drawFilters(record) {
   const state = shownState();
@@ -64,16 +58,16 @@ function compareWith(choice) {
   main.marked = -1;
   if (choice) {
     const [name, version] = kVersions.find(([, number]) => "v" + number === choice) ?? [];
-    const device = new Device(version ? byId("build").value : choice, () => other?.device === device && drawRecord(), say);
+    const device = new Device(version ? byId("build").value : choice, () => other?.device === device && drawRecord());
     other = { name: name ? "iOS " + name : choice, version, device };
-    other.lanes = new Lanes(byId("second"), "What happened on " + other.name, explain, unfold);
+    other.lanes = new Lanes(byId("second"), "What happened on " + other.name);
   }
   drawRecord();
 }
 
 // `builds` are all there are.
 export function startRecord(builds) {
-  main = new Lanes(byId("first"), "What happened, a row an effect", explain, unfold);
+  main = new Lanes(byId("first"), "What happened, a row an effect");
   fill(byId("compare"), el("option", { value: "" }, "nothing"),
     el("optgroup", { label: "another build" }, builds.map((name) => el("option", { value: name }, name))),
     el("optgroup", { label: "another version" },

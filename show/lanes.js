@@ -1,6 +1,7 @@
 // The record drawn: a lane for each process, time downwards, arrows from a signal to whoever hears it.
 // Only the rows that can be seen exist; all have one height.
-import { div, el, fill, span } from "./dom.js";
+import { explain } from "./detail.js";
+import { byId, div, el, fill, span } from "./dom.js";
 import { arrowsOf, kOutcomes, lanesOf } from "./rows.js";
 import { appName, clock, hueOf, letters } from "./words.js";
 
@@ -11,7 +12,6 @@ const kShapes = {
   life: "M-7-2H7V2H-7z", crash: "M-6-6 6 6M6-6-6 6",
 };
 const kSteps = { ArrowDown: 1, ArrowUp: -1, PageDown: 10, PageUp: -10, End: Infinity, Home: -Infinity };
-let recordsMade = 0;
 
 export class Lanes {
   record = [];
@@ -21,9 +21,8 @@ export class Lanes {
   at = -1;      // the chosen row
   marked = -1;  // the first that differs
 
-  // `chosen` is told of the item that is chosen, `unfold` when a folded one is opened.
-  constructor(host, label, chosen, unfold) {
-    Object.assign(this, { host, chosen, unfold, number: ++recordsMade });
+  constructor(host, label) {
+    this.host = host;
     this.head = div("lane-heads");
     this.space = el("div", { class: "space", role: "presentation" });
     this.box = el("div", { class: "record", role: "listbox", tabindex: "0", "aria-label": label }, this.space);
@@ -33,10 +32,7 @@ export class Lanes {
       const pressed = event.target.closest("[data-at]");
       if (pressed && !String(getSelection())) this.choose(+pressed.dataset.at);
     });
-    let asked = 0;
-    this.box.addEventListener("scroll", () => {
-      asked ||= requestAnimationFrame(() => { asked = 0; this.draw(); });
-    });
+    this.box.addEventListener("scroll", () => this.draw());
     new ResizeObserver(() => this.draw()).observe(this.box);
   }
 
@@ -65,7 +61,7 @@ export class Lanes {
     if (item?.folded) return this.unfold();
     this.at = at;
     this.scrollTo(at);
-    if (item) this.chosen(item);
+    if (item) explain(item);
   }
 
   key(event) {
@@ -94,7 +90,8 @@ export class Lanes {
     else box.removeAttribute("aria-activedescendant");
   }
 
-  idOf(at) { return `row-${this.number}-${at}`; }
+  unfold() { byId("by-folded").click(); }
+  idOf(at) { return `${this.host.id}-${at}`; }
   width() { return 14 + Math.max(1, this.lanes.length) * this.pitch; }
   laneX(process) { return 14 + this.lanes.indexOf(process) * this.pitch; }
 

@@ -1,4 +1,5 @@
 // The server: devices, what they did, files. Everything is below the address of the page.
+import { say } from "./dom.js";
 
 const kGone = "The server has gone. Start it again and load this page anew.";
 
@@ -29,9 +30,9 @@ export class Device {
   #sent = new Map();    // the lines of plays, by their number
   #again = false;       // this is a second session, and nothing was heard of it yet
 
-  // `heard` is told whatever its process says, once it counts; `fail` what went wrong on the way.
-  constructor(build, heard, fail) {
-    Object.assign(this, { build, heard, fail });
+  // `heard` is told whatever its process says, once it counts.
+  constructor(build, heard) {
+    Object.assign(this, { build, heard });
     this.#open();
   }
 
@@ -39,7 +40,7 @@ export class Device {
   #then(next) {
     this.last = this.last.then(next).catch((error) => {
       this.busy = false;
-      this.fail(error.message);
+      say(error.message);
     });
   }
 
@@ -55,7 +56,7 @@ export class Device {
 
   // The session is over, but another one can play the same lines.
   #lost() {
-    if (this.#again) return this.fail(kGone);
+    if (this.#again) return say(kGone);
     this.#again = true;
     this.#open();
     this.play(this.lines);

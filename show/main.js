@@ -4,7 +4,7 @@ import { startAround } from "./around.js";
 import { startRecord } from "./compare.js";
 import { startDetail } from "./detail.js";
 import { about } from "./live.js";
-import { endDevice, model, onChange, play, showRecording, useBuild } from "./model.js";
+import { endDevice, play, showRecording, useBuild } from "./model.js";
 import { startPace } from "./pace.js";
 import { startPhone } from "./phone.js";
 import { openFile, openText, startScenario } from "./scenario.js";
@@ -29,11 +29,6 @@ function startAll(builds, edition, files) {
   for (const start of [startPhone, startAround, startDetail, startSetUp, startPace]) start();
   startRecord(builds);
   startScenario(files);
-  onChange(() => {
-    document.body.classList.toggle("busy", model.busy);
-    if (model.note) say(model.note);
-    model.note = "";
-  });
 }
 
 // What the address asks for: #scenario=TEXT, or #open=scenarios/PATH (or saved/NAME). Answers whether
@@ -49,8 +44,8 @@ async function showLive() {
   try {
     const told = await about();
     startAll(told.builds, told.version, told);
-    useBuild(told.builds[0], say);
-    byId("build").addEventListener("change", (event) => useBuild(event.target.value, say));
+    useBuild(told.builds[0]);
+    byId("build").addEventListener("change", (event) => useBuild(event.target.value));
     addEventListener("hashchange", openAsked);
     addEventListener("pagehide", endDevice);
     if (!openAsked()) play(kBeginning.split("\n"), undefined, false);

@@ -1,5 +1,6 @@
 // The one thing that is shown: lines (the scenario), what they did on a device or in a recording, and
 // a cursor (how many of them are looked at). Whoever draws listens.
+import { say } from "./dom.js";
 import { Device } from "./live.js";
 
 export const kStartState = { time: 0, version: 1145.15, springBoard: false, locked: false, screenOn: true,
@@ -12,7 +13,6 @@ export const model = {
   lines: [],
   cursor: 0,    // lines looked at; what is played by then may be fewer
   wrong: null,  // {line, message, lines}: what was refused, and why
-  note: "",     // to be told once
   name: "",
   get steps() { return played.steps; },
   get valid() { return played.valid; },  // how many of the steps belong to `lines`
@@ -35,6 +35,7 @@ function drawNow() {
   cancelAnimationFrame(frame);
   clearTimeout(timer);
   frame = timer = 0;
+  document.body.classList.toggle("busy", model.busy);
   listeners.forEach((listener) => listener());
 }
 export function changed() { frame ||= requestAnimationFrame(drawNow); }
@@ -60,9 +61,9 @@ export function play(lines, cursor = lines.length, remembered = true) {
 }
 
 // A device of this build plays what there is.
-export function useBuild(build, fail) {
+export function useBuild(build) {
   if (isLive()) played.close();
-  const device = new Device(build, (said) => device === played && heard(said), fail);
+  const device = new Device(build, (said) => device === played && heard(said));
   played = device;
   if (model.lines.length) play(model.lines, model.cursor, false);
 }
@@ -70,7 +71,7 @@ export function useBuild(build, fail) {
 export function endDevice() { played.close(); }
 
 function heard(said) {
-  if (said.gone) model.note = `The device process ended: ${said.gone}. Whatever you do next starts it anew.`;
+  if (said.gone) say(`The device process ended: ${said.gone}. Whatever you do next starts it anew.`);
   // What was refused is undone.
   if (said.wrong) Object.assign(model, { wrong: { ...said.wrong, lines: model.lines } }, past.pop());
   if (model.busy) changedWhilePlaying();
@@ -87,7 +88,7 @@ export function undo() {
 export function act(commands) {
   const at = Math.min(model.cursor, failedStep()?.step ?? Infinity);
   const dropped = model.lines.length - at;
-  if (dropped) model.note = `Going on from here: later lines (${dropped}) are dropped. Undo brings them back.`;
+  if (dropped) say(`Going on from here: later lines (${dropped}) are dropped. Undo brings them back.`);
   play([...(dropped ? model.lines.slice(0, at) : before(model.lines)), ...commands.split("\n")]);
 }
 
