@@ -60,7 +60,7 @@ export function explain(item) {
   const behind = row && inside(rows, root);
   fill(byId("detail"),
     el("h3", {}, row ? explainRow(row, item.step.state) : item.text),
-    el("p", { class: "facts" }, el("b", { class: "tag " + item.outcome }, kOutcomes[item.outcome]),
+    el("div", { class: "facts pair faint" }, el("b", { class: "tag " + item.outcome }, kOutcomes[item.outcome]),
       row && " in " + appName(row.process, item.step.state),
       ` at ${clock(item.time)}, line ${item.step.step + 1}`,
       span("pair",

@@ -48,7 +48,10 @@ function line(text, at, current, before) {
 
 function drawScenario() {
   fill(byId("name"), model.name || "untitled");
-  if (model.wrong && !editing) edit(model.wrong.lines);
+  if (model.wrong && !editing) {
+    applied = true;
+    edit(model.wrong.lines);
+  }
   if (applied && !model.busy && !model.wrong) leave();
   byId("viewing").hidden = editing;
   byId("editing").hidden = !editing;
@@ -64,23 +67,23 @@ function drawScenario() {
 
 // ---- The editor
 
-function edit(lines = model.lines) {
+function edit(lines) {
   editing = true;
   byId("text").value = textOf(lines);
-  drawScenario();
   byId("text").focus();
+  drawScenario();
 }
 
-// The message stands below the line that it is about.
+// The line that was refused is selected, and thereby in view.
 function drawWrong() {
-  const area = byId("text"), note = byId("wrong");
-  note.hidden = !model.wrong;
-  area.setAttribute("aria-invalid", Boolean(model.wrong));
-  if (!model.wrong) return;
+  const { wrong } = model, area = byId("text");
+  area.setAttribute("aria-invalid", Boolean(wrong));
+  fill(byId("wrong"), wrong && `Line ${wrong.line + 1}: ${wrong.message}`);
+  if (!wrong || !applied) return;
   applied = false;
-  note.textContent = `Line ${model.wrong.line + 1}: ${model.wrong.message}`;
-  const height = parseFloat(getComputedStyle(area).lineHeight);
-  note.style.top = (model.wrong.line + 1) * height + 10 - area.scrollTop + "px";
+  const start = textOf(["", ...wrong.lines.slice(0, wrong.line)]).length - 1;
+  area.focus();
+  area.setSelectionRange(start, start + wrong.lines[wrong.line].length);
 }
 
 function apply() {
@@ -127,7 +130,7 @@ function cancel() {
   drawScenario();
 }
 
-const kFileActions = { edit: () => edit(), apply, cancel, link, save };
+const kFileActions = { edit: () => edit(model.lines), apply, cancel, link, save };
 
 export function startScenario(told) {
   files = told;
@@ -137,11 +140,6 @@ export function startScenario(told) {
   byId("open").addEventListener("change", ({ target }) => {
     if (target.value) openFile(target.value);
     target.value = "";
-  });
-  byId("text").addEventListener("scroll", drawWrong);
-  byId("text").addEventListener("keydown", (event) => {
-    if (event.key === "Enter" && (event.ctrlKey || event.metaKey)) apply();
-    if (event.key === "Escape") cancel();
   });
   onChange(drawScenario);
 }

@@ -3,7 +3,7 @@
 import { byId, el, fill } from "./dom.js";
 import { isLive, model, onChange, play } from "./model.js";
 import { holdTime } from "./pace.js";
-import { kAddOns, kApps, kChoosers, kDefaultVersion, kFrameworks, kSwitches, kVersions, playControl } from "./words.js";
+import { kAddOns, kApps, kDefaultVersion, kFrameworks, kVersions, playControl } from "./words.js";
 
 function headLength(lines) {
   const boot = lines.findIndex((line) => /^\s*boot\b/.test(line));
@@ -46,7 +46,8 @@ function change(lines) {
 
 // ---- The form. Every field names the words that its line begins with, and the line.
 
-function check(name, words, line = words, checked = said(model.lines, words) != null) {
+function check(name, words, line = words) {
+  const checked = said(model.lines, words) != null;
   return el("label", { class: "check" },
     el("input", { type: "checkbox", "data-words": words, "data-line": line, checked }), name);
 }
@@ -69,12 +70,8 @@ function drawForm() {
   fill(byId("form"),
     part("Apps installed", [...apps].map(([id, name]) =>
       id !== "com.apple.Music" && check(name, "app " + id, `app ${id} "${name}"`))),
-    part("Settings file", kSwitches.map(([key, name]) => 
-      check(name, "prefs " + key, `prefs ${key} yes`, said(model.lines, "prefs " + key) === "yes")),
-      kChoosers.map(([key, name]) => pick(name, "prefs " + key, `prefs ${key} "%"`, [["", "None"], ...apps]))),
     part("Add-ons", kAddOns.map((name) => check(name, "addon " + name))),
-    part("Missing classes", [...missing].map((name) => check(name, "no-class " + name)),
-      el("label", { class: "pick" }, "Another", el("input", { type: "text", "data-line": "no-class %", placeholder: "SPTPlayer" }))),
+    part("Missing classes", [...missing].map((name) => check(name, "no-class " + name))),
     part("Frameworks", kFrameworks.map((name) => pick(name, "framework " + name, `framework ${name} %`, loaded))));
 }
 
@@ -89,17 +86,10 @@ function drawVersion() {
 
 export function startSetUp() {
   byId("version").addEventListener("change", ({ target }) => change(onVersion(model.lines, +target.value)));
-  byId("set-up").addEventListener("toggle", ({ target }) => {
-    drawForm();
-    if (target.open) target.scrollIntoView({ block: "start" });
-  });
-  byId("form").addEventListener("submit", (event) => event.preventDefault());
+  byId("set-up").addEventListener("toggle", drawForm);
   byId("form").addEventListener("change", ({ target }) => {
-    const value = target.type === "checkbox" ? target.checked : target.value.trim();
-    const line = value && target.dataset.line.replace("%", value);
-    const words = target.dataset.words ?? line;
-    if (words) change(withHead(model.lines, words, line));
-    if (target.type === "text") target.value = "";
+    const value = target.type === "checkbox" ? target.checked : target.value;
+    change(withHead(model.lines, target.dataset.words, value && target.dataset.line.replace("%", value)));
   });
   onChange(drawVersion);
   onChange(drawForm);

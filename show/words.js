@@ -33,14 +33,14 @@ export function hueOf(id) {
 export const letters = (name) => (/[A-Z].*[A-Z]/.test(name) ? name.replace(/[^A-Z]/g, "") : name).slice(0, 2);
 
 // Keys of the settings file and what the page in the Settings app calls them.
-export const kSwitches = [
+export const kSettingNames = new Map([
   ["iea9AQXrEmhSZ4u", "Enabled"], ["4sySMd4CfPOr0F", "Start Hidden When Locked"],
   ["KwI68FtaZGgSizb", "Start Hidden When Unlocked"], ["ljyr9pMzliGkTNvfm", "Play a Sound"],
   ["LyyY0YZw4enaXR6S", "Auto-Play"], ["AiPVzGZ3tdh2fBpXy", "Not From the Home Screen"],
   ["I9gqmWG8wXu6", "Play When Plugged In"], ["feo63OPBmERAd2000UpdRdCAND", "Greeted already"],
-];
-export const kChoosers = [["2I8UQMOAwU5nnNZt", "Preferred Player"], ["RjNkaiHs98230Xx", "Music Replacement"]];
-export const kSettingNames = new Map([...kSwitches, ...kChoosers, ["hasShownWAL", "Follow offer accepted"]]);
+  ["2I8UQMOAwU5nnNZt", "Preferred Player"], ["RjNkaiHs98230Xx", "Music Replacement"],
+  ["hasShownWAL", "Follow offer accepted"],
+]);
 
 export const kSignals = new Map([
   ["bfaK8ayWXeXMQum", "the settings changed"],
