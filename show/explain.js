@@ -20,18 +20,15 @@ const kCommandWords = [
   [/^drag-lock-screen$/, "A finger drags the lock screen."],
   [/^quit-card (\S+)$/, "The card of {$1} is thrown out of the app switcher."],
   [/^now-playing/, "The system hears what plays now."],
-  [/^title-view show \S+ "(.*)"$/, "The system wants “$1” as the title."],
-  [/^title-view new/, "The media controls appear."],
+  [/^title-view/, "The media controls appear, or the system wants another title."],
   [/^widget (\S+)/, "The open button of the widget $1 is pressed."],
   [/^press (\d+)$/, "Button $1 of the alert is pressed."],
   [/^settings open$/, "The page in the Settings app is opened."],
-  [/^settings close$/, "The Settings app is left."],
   [/^settings set "(.*)" (yes|no)$/, "The switch “$1” is moved."],
   [/^settings choose "(.*)" (\S+)$/, "{$2} is chosen as “$1”."],
-  [/^settings/, "A button of the settings page is pressed."],
+  [/^settings/, "The settings page is left, or a button of it is pressed."],
   [/^advance (\S+)$/, "$1 seconds pass."],
   [/^locked yes$/, "The phone is locked."],
-  [/^announce$/, "Everybody is told that the settings changed."],
 ];
 
 const kRowWords = [
@@ -57,8 +54,7 @@ const kRowWords = [
   [/^MRMediaRemoteSendCommand\((\d+)/, "Media command $1 for the system's media service."],
   [/^-\[SPTPlayer setPaused:NO\]|^-\[MTPlayer play\]/, "The player is told to play."],
   [/^-\[SPTPlayer setPaused:YES\]/, "The player is told to pause."],
-  [/SPTNowPlayingPlaybackController init/, "Spotify makes its player."],
-  [/FinishLaunching|willFinishLaunching/, "The app finishes starting."],
+  [/SPTNowPlayingPlaybackController init|FinishLaunching/, "The app finishes starting."],
   [/setPasscodeLockVisible:YES .*withUnlockSource/, "The passcode is asked for: the player opens after the unlock."],
   [/setPasscodeLockVisible:/, "The passcode entry is shown or hidden."],
   [/dismissAnimated/, "Control Center is closed."],
@@ -117,7 +113,8 @@ export function explainCommand(line, state) {
 // What one row means. Always a sentence, if need be a general one.
 export function explainRow(row, state) {
   const called = row.kind === "effect" || row.kind === "hook";
-  const plain = fitting(kRowWords, called ? row.call : `${row.kind} ${row.call}`, state)?.replace("{}", appName(row.process, state));
+  const words = fitting(kRowWords, called ? row.call : `${row.kind} ${row.call}`, state);
+  const plain = words?.replace("{}", appName(row.process, state));
   if (row.kind === "hook") return (plain ?? "A call.").replace(/\.$/, ": the library answers instead.");
   return plain ?? (row.by === "passed" ? "The library looks at this call and passes it on." : "The phone is asked for this.");
 }

@@ -45,7 +45,10 @@ function tick() {
     const due = () => atPresent() && waitForTimer();
     if (nextTimer != null && springBoard) wake = setTimeout(due, (nextTimer - time) / 1000 + since - performance.now());
   } else if (!next) holdTime();
-  else wake = setTimeout(() => moveTo(model.cursor + 1), Math.max(next.line ? kBetweenLines : 0, (next.state.time - time) / 1000));
+  else {
+    const took = Math.max(next.line ? kBetweenLines : 0, (next.state.time - time) / 1000);
+    wake = setTimeout(() => moveTo(model.cursor + 1), took);
+  }
 }
 
 function run() {

@@ -43,7 +43,8 @@ function itemsOf(step, before) {
   step.rows.forEach((row, index) => {
     if (!isShown(row)) return;
     const { process, time, kind } = row, outcome = outcomeOf(row);
-    const call = kind === "delivered" ? `“${row.call}”` : outcome === kind || outcome === "life" ? `${kind} ${row.call}` : row.call;
+    const named = { delivered: `“${row.call}”`, effect: row.call, hook: row.call };
+    const call = named[kind] ?? `${kind} ${row.call}`;
     items.push({ step, index, process, time, outcome, call, startUp: isStartUp(line, row.call, outcome),
       get text() { return (this.said ??= explainRow(row, step.state)); } });
   });

@@ -52,10 +52,10 @@ function check(name, words, line = words) {
     el("input", { type: "checkbox", "data-words": words, "data-line": line, checked }), name);
 }
 
-function pick(name, words, line, choices) {
-  const value = said(model.lines, words) ?? "";
-  return el("label", { class: "pick" }, name, el("select", { "data-words": words, "data-line": line },
-    choices.map(([says, shown]) => el("option", { value: says, selected: says === value }, shown))));
+function framework(name) {
+  const words = "framework " + name, value = said(model.lines, words);
+  return el("label", { class: "pick" }, name, el("select", { "data-words": words, "data-line": words + " %" },
+    ["", "loaded", "late", "missing"].map((how) => el("option", { value: how, selected: how === value }, how || "as usual"))));
 }
 
 const part = (name, ...fields) => el("fieldset", {}, el("legend", {}, name), fields);
@@ -66,13 +66,12 @@ function drawForm() {
   const apps = new Map(kApps);
   for (const id of secondWords("app")) apps.set(id, said(model.lines, "app " + id));
   const missing = new Set(["ALApplicationList", ...secondWords("no-class")]);
-  const loaded = [["", "as usual"], ["loaded", "loaded"], ["late", "late"], ["missing", "missing"]];
   fill(byId("form"),
     part("Apps installed", [...apps].map(([id, name]) =>
       id !== "com.apple.Music" && check(name, "app " + id, `app ${id} "${name}"`))),
     part("Add-ons", kAddOns.map((name) => check(name, "addon " + name))),
     part("Missing classes", [...missing].map((name) => check(name, "no-class " + name))),
-    part("Frameworks", kFrameworks.map((name) => pick(name, "framework " + name, `framework ${name} %`, loaded))));
+    part("Frameworks", kFrameworks.map(framework)));
 }
 
 function drawVersion() {
