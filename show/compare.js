@@ -4,7 +4,7 @@ import { byId, el, fill } from "./dom.js";
 import { Lanes } from "./lanes.js";
 import { Device } from "./live.js";
 import { kStartState, model, onChange, shownState, shownSteps } from "./model.js";
-import { firstDifference, kOutcomes, lanesOf, newestOf, recordOf } from "./rows.js";
+import { firstDifference, kOutcomes, lanesOf, recordOf } from "./rows.js";
 import { onVersion } from "./setup.js";
 import { appName, kVersions } from "./words.js";
 
@@ -46,7 +46,7 @@ function drawRecord() {
   main.show(record, shownState());
   if (other) drawOther(record);
   fill(byId("count"), `${record.length} rows`);
-  if (!model.busy) fill(byId("newest"), newestOf(record)?.text ?? "");
+  if (!model.busy) fill(byId("newest"), record.findLast((item) => !item.folded)?.text ?? "");
 }
 
 function compareWith(choice) {

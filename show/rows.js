@@ -76,15 +76,6 @@ export function recordOf(steps, count, filter) {
   return record;
 }
 
-const kTelling = [/^crash/, /UIAlertView show/, /launchApplicationWith|openURL|setPasscode/, /setPaused:NO|MTPlayer play/, /./];
-
-// The row that says best what the last command of the record led to.
-export function newestOf(record) {
-  const last = record.filter((item) => item.step === record.at(-1)?.step);
-  const telling = (pattern) => last.find((item) => item.process && !item.folded && pattern.test(item.call));
-  return kTelling.map(telling).find(Boolean) ?? last.at(-1);
-}
-
 // The processes of a record, in the order in which they appear.
 export const lanesOf = (record) => [...new Set(record.map((item) => item.process).filter(Boolean))];
 

@@ -1,7 +1,7 @@
 // The scenario beside what it does: its lines with what became of them, an editor, files, and a link.
 import { byId, el, fill, onPress, say, span } from "./dom.js";
 import { readFile, saveFile } from "./live.js";
-import { failedStep, model, moveTo, onChange, play, shownSteps } from "./model.js";
+import { model, moveTo, onChange, play, shownSteps } from "./model.js";
 import { holdTime } from "./pace.js";
 
 let editing = false;
@@ -61,8 +61,6 @@ function drawScenario() {
   fill(list, model.lines.map((text, at) => line(text, at, current, list.children[at])));
   const now = list.querySelector("[aria-current]");
   if (now && now !== before) list.scrollTop = Math.max(0, now.offsetTop - list.clientHeight / 2);
-  const failed = failedStep();
-  if (failed) say(`Line ${failed.step + 1}: ${failed.error}`);
 }
 
 // ---- The editor

@@ -7,6 +7,7 @@ import sys
 import tempfile
 import unittest
 import urllib.parse
+import urllib.request
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 sys.path[:0] = [str(ROOT / "tests" / "show")]
@@ -228,6 +229,17 @@ class PageTest(unittest.TestCase):
         page.press("Pull out", "#around")
         self.assertEqual(page.lines()[-1], "headphones out")
         self.assertNotIn("headphones", page.text("#status"))
+
+    def test_a_session_that_is_over_is_followed_by_another(self):
+        page = self.open()
+        path = next(url for url in self.browser.requests() if url.endswith("/events")).removesuffix("/events")
+        urllib.request.urlopen(urllib.request.Request(path, method="DELETE")).close()
+        page.wait(lambda: any("/sessions/" in url and path not in url for url in self.browser.requests()), "it is opened")
+        page.press("Play", "#phone")
+        self.assertRow(page, LAUNCH, "com.spotify.client")
+        self.assertEqual(page.text("#said"), "")
+        # (The browser itself writes that the first one is not found.)
+        self.assertTrue(all("404" in message for message in self.browser.console()))
 
     # ---- Builds, versions, what is missing
 
