@@ -74,7 +74,7 @@ export function startRecord(builds) {
       kVersions.map(([name, number]) => el("option", { value: "v" + number }, "iOS " + name))));
   byId("compare").addEventListener("change", (event) => compareWith(event.target.value));
   byId("filters").addEventListener("input", () => {
-    for (const name of ["process", "outcome", "text"]) filter[name] = byId("by-" + name).value;
+    for (const name of ["process", "outcome", "text"]) filter[name] = byId("by-" + name).value.trim();
     filter.folded = byId("by-folded").checked;
     drawRecord();
   });

@@ -29,7 +29,7 @@ function itemsOf(step, before) {
   const known = kept.get(step);
   if (known) return known;
   const items = [];
-  const line = step.line.startsWith("#") ? "" : step.line;
+  const { line } = step;
   const expectation = line.startsWith("expect");
   const setUp = !before.springBoard && line !== "boot" && !step.error && !expectation;
   if (step.error || (line && !expectation) || step.holds === false) {
@@ -54,7 +54,7 @@ function itemsOf(step, before) {
 
 const matching = (item, filter) => (!filter.process || item.process === filter.process || !item.process) &&
   (!filter.outcome || item.outcome === filter.outcome) &&
-  (!filter.text || (item.call + " " + item.text + " " + item.process).toLowerCase().includes(filter.text));
+  (!filter.text || (item.call + " " + item.text + " " + item.process).toLowerCase().includes(filter.text.toLowerCase()));
 
 // What stands for all the start-up rows of a process, or for all the lines of the set-up.
 const foldedItem = (item) => ({ ...item, folded: 1, outcome: item.process ? "own" : "command", get text() {

@@ -167,6 +167,20 @@ class PageTest(unittest.TestCase):
         page.one("#detail summary").click()
         self.assertIn("objectForKey", page.text("#detail"))
 
+    def test_the_record_is_searched_and_filtered(self):
+        page = self.open()
+        page.press("Play", "#phone")
+        page.one("#by-text").send_keys("Spotify is STARTED")
+        rows = page.rows()
+        self.assertTrue(rows and all("Spotify is started" in row for row in rows), rows)
+        page.one("#by-text").send_keys(Keys.CONTROL, "a", Keys.DELETE)
+        page.one("#by-process").send_keys("Spotify")
+        rows = page.rows()
+        self.assertTrue(rows and all(" you" in row or "Spotify" in row for row in rows), rows)
+        page.one("#by-outcome").send_keys("heard")
+        rows = page.rows()
+        self.assertTrue(rows and all("heard" in row for row in rows), rows)
+
     def test_expect_this_adds_the_line_and_it_holds(self):
         page = self.open()
         page.press("Play", "#phone")
