@@ -1,7 +1,7 @@
 // The server: devices, what they did, files. Everything is below the address of the page.
 import { say } from "./dom.js";
 
-const kGone = "The server has gone. Start it again and load this page anew.";
+const kGone = "The server has gone, or too many pages are open. Load this page anew when that has changed.";
 
 async function ask(path, method, type, body) {
   const gone = () => { throw new Error(kGone); };
@@ -28,7 +28,7 @@ export class Device {
   #held = [];           // the lines that `steps` belong to
   #number = 0;          // of the last play
   #sent = new Map();    // the lines of plays, by their number
-  #again = false;       // this is a second session, and nothing was heard of it yet
+  #again = false;       // this is a second try, and nothing was heard of it yet
 
   // `heard` is told whatever its process says, once it counts.
   constructor(build, heard) {
@@ -36,30 +36,28 @@ export class Device {
     this.#open();
   }
 
-  // Plays reach the server in the order of their numbers.
-  #then(next) {
-    this.last = this.last.then(next).catch((error) => {
-      this.busy = false;
-      say(error.message);
-    });
-  }
-
+  // A session is its listener: a browser that lost its connection comes back to another one, and so do
+  // we, once, if it does not. What was played is played there again.
   #open() {
-    this.#then(async () => {
-      this.path = "sessions/" + (await (await post("sessions", { build: this.build })).json()).session;
-      this.events = new EventSource(this.path + "/events");
-      this.events.onmessage = (message) => this.#hear(JSON.parse(message.data));
-      this.events.onerror = () => this.events.readyState === EventSource.CLOSED && this.#lost();
-      await new Promise((resolve) => { this.events.onopen = resolve; setTimeout(resolve, 1000); });
-    });
+    this.events = new EventSource("sessions?build=" + encodeURIComponent(this.build));
+    this.events.onmessage = (message) => this.#hear(JSON.parse(message.data));
+    this.events.onerror = () => {
+      if (this.events.readyState !== EventSource.CLOSED) return;
+      if (this.#again) return this.#fail(kGone);
+      this.#again = true;
+      this.#open();
+    };
   }
 
-  // The session is over, but another one can play the same lines.
-  #lost() {
-    if (this.#again) return say(kGone);
-    this.#again = true;
-    this.#open();
-    this.play(this.lines);
+  #begin(session) {
+    this.path = "sessions/" + session;
+    this.#again = false;
+    if (this.#number) this.play(this.lines);
+  }
+
+  #fail(message) {
+    this.busy = false;
+    say(message);
   }
 
   play(lines) {
@@ -67,7 +65,9 @@ export class Device {
     this.#sent.set(number, lines);
     this.#count(lines);
     this.busy = true;
-    this.#then(() => post(this.path + "/play", { play: number, lines }));
+    if (!this.path) return;  // it is played when the session begins
+    // Plays reach the server in the order of their numbers.
+    this.last = this.last.then(() => post(this.path, { play: number, lines })).catch((error) => this.#fail(error.message));
   }
 
   #count(lines) {
@@ -78,12 +78,12 @@ export class Device {
   }
 
   #hear(said) {
+    if (said.session) return this.#begin(said.session);
     const mine = said.play === this.#number;
-    this.#again = false;
     if (said.wrong && !mine) return;
     if ("from" in said) {
       this.#held = this.#sent.get(said.play);
-      this.#sent.delete(said.play);
+      for (const number of this.#sent.keys()) if (number <= said.play) this.#sent.delete(number);
       this.steps.length = said.from;
     }
     if ("step" in said) this.steps[said.step] = said;
@@ -92,10 +92,5 @@ export class Device {
     this.heard(said);
   }
 
-  close() {
-    this.last.then(() => {
-      this.events.close();
-      return fetch(this.path, { method: "DELETE", keepalive: true });
-    }).catch(() => {});
-  }
+  close() { this.events.close(); }
 }
