@@ -33,6 +33,7 @@ namespace {
 // (A pair of sockets is one descriptor where pipes would be two.)
 DeviceProcessHandle::DeviceProcessHandle(const std::vector<std::string>& command) {
   std::vector<char*> words;
+  words.reserve(command.size() + 1);
   for (const std::string& word : command) words.push_back(const_cast<char*>(word.c_str()));
   words.push_back(nullptr);
   int ends[2];
