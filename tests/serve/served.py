@@ -42,11 +42,11 @@ class Served:
         return http.client.HTTPConnection("127.0.0.1", self.url.port, timeout=PATIENCE)
 
     def ask(self, method, path, body=None, headers=None):
-        """The response, with `body` read. `path` begins behind the token unless it begins with /."""
+        """The response, with `body` read, but for events without an end. `path` begins behind the token unless with /."""
         connection = self.connect()
         connection.request(method, path if path.startswith("/") else self.url.path + path, body, headers or {})
         response = connection.getresponse()
-        response.body = response.read()
+        response.body = b"" if response.headers["Content-Type"] == "text/event-stream" else response.read()
         connection.close()
         return response
 
