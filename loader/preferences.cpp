@@ -1,7 +1,5 @@
 #include "loader/preferences.hpp"
 
-#include "springboard/title_display.hpp"
-
 namespace corvalen::preferences {
 
 using platform::NSDictionary;
@@ -43,7 +41,6 @@ void loadPreferences() {
     preferencesDictionary = defaults().leak();
     preferencesDictionary.writeToFile(path(), true);
   }
-  springboard::refreshTitleViews();
 }
 
 bool boolean(NSString key) { return boolean(preferencesDictionary, key); }
