@@ -19,7 +19,7 @@ plist_t drawText(Random& random) {
 }
 
 // A value of any type; containers nest a few levels.
-plist_t drawValue(Random& random, unsigned depth) {
+plist_t drawNode(Random& random, unsigned depth = 0) {
   switch (random.below(depth < 4 ? 8 : 6)) {
     case 0:
       return plist_new_bool(random.chance(70));
@@ -36,21 +36,20 @@ plist_t drawValue(Random& random, unsigned depth) {
     case 6: {
       plist_t array = plist_new_array();
       for (std::size_t i = random.below(4); i > 0; --i)
-        plist_array_append_item(array, drawValue(random, depth + 1));
+        plist_array_append_item(array, drawNode(random, depth + 1));
       return array;
     }
     default: {
       plist_t dictionary = plist_new_dict();
       for (std::size_t i = random.below(4); i > 0; --i)
-        plist_dict_set_item(dictionary, fmt::format("k{}", i).c_str(),
-                            drawValue(random, depth + 1));
+        plist_dict_set_item(dictionary, fmt::format("k{}", i).c_str(), drawNode(random, depth + 1));
       return dictionary;
     }
   }
 }
 
 plist_t drawRoot(Random& random) {
-  if (random.chance(5)) return drawValue(random, 0);
+  if (random.chance(5)) return drawNode(random);
   plist_t root = plist_new_dict();
   for (const auto* keys : {&kSwitches, &kTexts, &kMarkers})
     for (const std::string& key : *keys) {
@@ -58,18 +57,18 @@ plist_t drawRoot(Random& random) {
       // Half of them as they should be, so that something still happens.
       plist_t value = nullptr;
       if (random.chance(50))
-        value = drawValue(random, 0);
+        value = drawNode(random);
       else
         value = keys == &kTexts ? plist_new_string(random.of(kPlayers).c_str()) : plist_new_bool(1);
       plist_dict_set_item(root, key.c_str(), value);
     }
-  if (random.chance(30)) plist_dict_set_item(root, "other", drawValue(random, 0));
+  if (random.chance(30)) plist_dict_set_item(root, "other", drawNode(random));
   return root;
 }
 
 }  // namespace
 
-PlistNode drawValue(Random& random) { return PlistNode(drawValue(random, 0)); }
+PlistNode drawValue(Random& random) { return PlistNode(drawNode(random)); }
 
 PlistNode drawSettings(Random& random) { return PlistNode(drawRoot(random)); }
 

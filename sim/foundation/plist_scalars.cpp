@@ -11,7 +11,6 @@ namespace sim {
 
 namespace {
 
-constexpr std::string_view kSpace = " \t\r\n";
 constexpr std::string_view kDigits = "0123456789";
 
 // The parser below makes the node, of a text that is well-formed. Its own functions cannot make
@@ -24,7 +23,7 @@ PlistNode parsed(const char* element, std::string_view text) {
 }
 
 void skipSpace(std::string_view& text) {
-  text.remove_prefix(std::min(text.find_first_not_of(kSpace), text.size()));
+  text.remove_prefix(std::min(text.find_first_not_of(kXmlSpace), text.size()));
 }
 
 // Takes a sign off, and says whether it was a minus.
@@ -108,7 +107,7 @@ PlistNode dateNode(const std::string& text) {
 PlistNode dataNode(const std::string& text) {
   std::string packed;
   std::ranges::copy_if(text, std::back_inserter(packed),
-                       [](char c) { return kSpace.find(c) == std::string_view::npos; });
+                       [](char c) { return kXmlSpace.find(c) == std::string_view::npos; });
   const auto end =
       packed.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/");
   const std::string padding = end == std::string::npos ? "" : packed.substr(end);

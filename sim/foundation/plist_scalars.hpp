@@ -3,10 +3,14 @@
 #pragma once
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "sim/foundation/plist_file.hpp"
 
 namespace sim {
+
+// What XML takes for blanks.
+inline constexpr std::string_view kXmlSpace = " \t\r\n";
 
 // The node for an element's text; null if the text is malformed or empty, or its value cannot be
 // held (integers beyond 64 bits). Empty data is data.

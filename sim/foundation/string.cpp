@@ -87,8 +87,8 @@ Ref<NSString> percentEscaped(NSString& self, unsigned long encoding) {
     if (std::isalnum(byte) || kPlain.find(c) != std::string_view::npos) {
       out += c;
     } else {
-      constexpr const char* kDigits = "0123456789ABCDEF";
-      out += {'%', kDigits[byte >> 4], kDigits[byte & 15]};
+      constexpr const char* kHexDigits = "0123456789ABCDEF";
+      out += {'%', kHexDigits[byte >> 4], kHexDigits[byte & 15]};
     }
   }
   return makeString(self.process, out);

@@ -135,7 +135,7 @@ class Reader {
     if (text == "\n" && source().starts_with('\r')) text = source();
     if (!leaf_.empty())
       text_ += text;
-    else if (text.find_first_not_of(" \t\r\n") != std::string_view::npos)
+    else if (text.find_first_not_of(kXmlSpace) != std::string_view::npos)
       stop();
   }
 

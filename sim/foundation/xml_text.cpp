@@ -5,12 +5,13 @@
 #include <algorithm>
 #include <string_view>
 
+#include "sim/foundation/plist_scalars.hpp"
+
 namespace sim {
 
 namespace {
 
 constexpr auto npos = std::string::npos;
-constexpr std::string_view kSpace = " \t\r\n";
 
 std::optional<std::string> converted(const std::string& bytes, const char* encoding) {
   const iconv_t conversion = iconv_open("UTF-8", encoding);
@@ -93,14 +94,14 @@ constexpr std::string_view kLead = "\xf4\x8f\xbf\xbf";  // U+10FFFF, which no te
 constexpr std::string_view kFffe = "\xef\xbf\xbe";
 constexpr std::string_view kFfff = "\xef\xbf\xbf";
 
-bool isControl(char c) { return c > 0 && c < ' ' && kSpace.find(c) == std::string_view::npos; }
+bool isControl(char c) { return c > 0 && c < ' ' && kXmlSpace.find(c) == std::string_view::npos; }
 
 }  // namespace
 
 std::optional<std::string> fromFirstElement(const std::string& bytes) {
   const auto xml = inUtf8(bytes);
   if (!xml) return std::nullopt;
-  for (std::size_t at = 0; (at = xml->find_first_not_of(kSpace, at)) != npos;) {
+  for (std::size_t at = 0; (at = xml->find_first_not_of(kXmlSpace, at)) != npos;) {
     if ((*xml)[at] != '<') break;
     const auto next = behindMarkup(*xml, at);
     if (next == npos) break;

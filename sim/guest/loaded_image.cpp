@@ -33,7 +33,7 @@ bool isClassImport(const std::string& name) {
   return name.starts_with(kClassImport) || name.starts_with(kMetaclassImport);
 }
 
-constexpr const char* kFunctions[] = {
+constexpr const char* kImports[] = {
 #define IMPORT(name) #name,
 #include "sim/host/imports.def"
 #undef IMPORT
@@ -72,7 +72,7 @@ Address LoadedImage::addressOf(const std::string& import, Traps& traps) const {
   const std::string name = import.starts_with('_') ? import.substr(1) : import;
   for (const Variable& known : kVariables)
     if (name == known.name) return kVariablesBase + known.offset;
-  const bool known = std::ranges::any_of(kFunctions, [&](const char* f) { return name == f; });
+  const bool known = std::ranges::any_of(kImports, [&](const char* f) { return name == f; });
   if (known || isCLibrary(name) || name == "dyld_stub_binder") return traps.imported(name);
   throw std::runtime_error("the binary imports " + import + ", which the platform does not have");
 }

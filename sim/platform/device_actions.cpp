@@ -15,13 +15,13 @@
 
 namespace sim {
 
-namespace {
-
 Process& springBoard(Device& device) {
   Process* process = device.springBoard();
   if (!process) throw ActionError("SpringBoard is not running");
   return *process;
 }
+
+namespace {
 
 Process& runningApp(Device& device, const std::string& app) {
   Process* process = device.process(app);

@@ -22,6 +22,8 @@ void end(Device& device, const std::string& app);  // or a daemon
 void processLaunched(Device& device, const std::string& app);
 
 // ---- SpringBoard
+// Its process; while it is not running, nothing of it can be done.
+Process& springBoard(Device& device);
 void open(Device& device, const std::string& app, bool suspended);
 void tapTransport(Device& device, long controlType);
 void tapTitle(Device& device);

@@ -11,7 +11,7 @@ namespace sim {
 namespace {
 
 // The platform's own implementation takes every command and changes nothing.
-bool sendCommand(Process&, unsigned, Object*) { return true; }
+bool sendRemoteCommand(Process&, unsigned, Object*) { return true; }
 
 void playSystemSound(Process&, unsigned) {}
 
@@ -44,7 +44,8 @@ NativeCode of(Framework framework, NativeCode code) {
 
 Functions frameworkFunctions() {
   return {
-      of(Framework::MediaRemote, effect(bindFunction("MRMediaRemoteSendCommand", &sendCommand))),
+      of(Framework::MediaRemote,
+         effect(bindFunction("MRMediaRemoteSendCommand", sendRemoteCommand))),
       of(Framework::AudioToolbox,
          effect(bindFunction("AudioServicesPlaySystemSound", &playSystemSound))),
       of(Framework::SystemConfiguration,

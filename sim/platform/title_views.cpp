@@ -11,16 +11,6 @@ std::map<std::string, Ref<MPUMediaControlsTitlesView>>& titleViews(Process& spri
   return springBoard.shared<TitleViews>("_SBTitleViews").all;
 }
 
-namespace {
-
-Process& springBoard(Device& device) {
-  Process* process = device.springBoard();
-  if (!process) throw ActionError("SpringBoard is not running");
-  return *process;
-}
-
-}  // namespace
-
 void newTitleView(Device& device, const std::string& name) {
   Process& process = springBoard(device);
   auto& views = titleViews(process);

@@ -8,6 +8,8 @@
 
 namespace sim::scenario {
 
+inline constexpr long long kMostInt = 2147483647;  // of the platform's 32-bit int
+
 // Every reader throws SyntaxError if the next word is missing or is not what it should be.
 class Arguments {
  public:

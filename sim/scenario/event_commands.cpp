@@ -10,7 +10,6 @@ namespace sim::scenario {
 
 namespace {
 
-constexpr long long kMostInt = 2147483647;
 constexpr long long kMostCommand = 4294967295;
 
 // The main thread, unless the line ends in `off-main`.

@@ -32,10 +32,9 @@ std::string takeCall(const std::string& rest, const std::string& name) {
 
 // An expectation's call is the rest of the line as it stands: a # in it belongs to it.
 std::optional<Expectation> parseExpectation(const std::string& line) {
-  using Kind = Expectation::Kind;
   std::string rest = line;
   const std::string name = takeWord(rest);
-  Expectation expectation{Kind::Next, trimmed(line), {}, {}, false, 0};
+  Expectation expectation{Expectation::Kind::Next, trimmed(line), {}, {}, false, 0};
   if (name == "expect") {
     expectation.call = takeCall(rest, name);
   } else if (name == "expect-in") {
@@ -43,10 +42,10 @@ std::optional<Expectation> parseExpectation(const std::string& line) {
     if (expectation.process.empty()) throw SyntaxError("expect-in: a process is missing");
     expectation.call = takeCall(rest, name);
   } else if (name == "expect-no") {
-    expectation.kind = Kind::Never;
+    expectation.kind = Expectation::Kind::Never;
     expectation.call = takeCall(rest, name);
   } else if (name == "expect-count") {
-    expectation.kind = Kind::Count;
+    expectation.kind = Expectation::Kind::Count;
     const std::string count = takeWord(rest);
     const auto [end, error] =
         std::from_chars(count.data(), count.data() + count.size(), expectation.count);
@@ -54,12 +53,12 @@ std::optional<Expectation> parseExpectation(const std::string& line) {
       throw SyntaxError("expect-count: a whole number expected, not " + count);
     expectation.call = takeCall(rest, name);
   } else if (name == "expect-result") {
-    expectation.kind = Kind::Result;
+    expectation.kind = Expectation::Kind::Result;
     Arguments words(name, splitWords(rest));
     expectation.result = words.oneOf({"YES", "NO"}) == 0;
     words.finish();
   } else if (name == "expect-nothing") {
-    expectation.kind = Kind::Nothing;
+    expectation.kind = Expectation::Kind::Nothing;
     Arguments(name, splitWords(rest)).finish();
   } else {
     return std::nullopt;

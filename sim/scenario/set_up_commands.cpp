@@ -12,8 +12,6 @@ namespace sim::scenario {
 
 namespace {
 
-constexpr long long kMostInt = 2147483647;
-
 Action version(Arguments& words) {
   const double value = words.number("a version");
   return doing([=](Device& device) { device.setVersion(value); });
