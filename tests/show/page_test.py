@@ -6,63 +6,14 @@ import pathlib
 import re
 import signal
 import subprocess
-import sys
 import tempfile
 import unittest
-import urllib.parse
 
-ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
-sys.path[:0] = [str(ROOT / "tests" / "show")]
-from browser import Browser, Keys, Page  # noqa: E402
-
-SIMULATOR, DEVICE_LIBRARY = (pathlib.Path(argument) for argument in sys.argv[1:3])
-GREETING = 'prefs iea9AQXrEmhSZ4u yes\nlocked yes\nboot\n'
-LAUNCH = "launchApplicationWithIdentifier"
+from browser import Browser, Keys, Page
+from shown import GREETING, LAUNCH, ROOT, SIMULATOR, Shown, main
 
 
-class Server:
-    def __init__(self, saved):
-        self.process = subprocess.Popen(
-            [SIMULATOR, "serve", "--scenarios", ROOT / "scenarios", "--saved", saved, "--image", DEVICE_LIBRARY],
-            stdout=subprocess.PIPE, text=True)
-        self.url = self.process.stdout.readline().strip()
-
-    def end(self):
-        self.process.terminate()
-        self.process.wait()
-        self.process.stdout.close()
-
-
-class PageTest(unittest.TestCase):
-    @classmethod
-    def setUpClass(cls):
-        cls.folder = tempfile.TemporaryDirectory()
-        cls.saved = pathlib.Path(cls.folder.name)
-        cls.server = Server(cls.saved)
-        cls.browser = Browser()
-
-    @classmethod
-    def tearDownClass(cls):
-        cls.browser.quit()
-        cls.server.end()
-        cls.folder.cleanup()
-
-    def tearDown(self):
-        self.assertEqual(self.browser.console(), [])
-        ours = urllib.parse.urlsplit(self.server.url).netloc
-        others = {url for url in self.browser.requests()
-                  if urllib.parse.urlsplit(url).scheme.startswith("http") and urllib.parse.urlsplit(url).netloc != ours}
-        self.assertEqual(others, set())
-
-    def open(self, scenario=None):
-        if scenario is None:
-            return Page(self.browser, self.server.url)
-        return Page(self.browser, f"{self.server.url}#scenario={urllib.parse.quote(scenario)}")
-
-    def assertRow(self, page, *words, record="#first"):
-        rows = page.rows(record)
-        self.assertTrue(any(all(word in row for word in words) for row in rows), f"no row with {words}: {rows}")
-
+class PageTest(Shown):
     # ---- What a visitor does
 
     def test_play_on_the_lock_screen_starts_the_player(self):
@@ -373,4 +324,4 @@ class StaticPageTest(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1] + sys.argv[3:], verbosity=2)
+    main()
