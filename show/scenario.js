@@ -1,15 +1,17 @@
 // The scenario beside what it does: its lines with what became of them, an editor, files, and a link.
 import { byId, el, fill, onPress, say, span } from "./dom.js";
-import { readFile, saveFile } from "./live.js";
+import { about, readFile, saveFile } from "./live.js";
 import { model, moveTo, onChange, play, shownSteps } from "./model.js";
 import { holdTime } from "./pace.js";
 
 let editing = false;
 let applied = false;  // what is edited was played, and nothing refused it yet
 let files = null;
+let mine = "";        // of those saved: what is saved under this name takes its place unasked
 
 const linesOf = (text) => text.replace(/\r/g, "").replace(/\n+$/, "").split("\n");
 const textOf = (lines) => lines.join("\n") + "\n";
+const shownLines = () => (editing ? linesOf(byId("text").value) : model.lines);
 
 // Does what may fail, and says what became of it.
 async function attempt(work) {
@@ -25,8 +27,10 @@ export function openText(text, name) {
 
 // `path` begins with the folder: scenarios/ or saved/.
 export const openFile = (path) => attempt(async () => {
-  const [, folder, name] = /^(\w*)\/?(.*)$/.exec(path);
+  const [, folder, name] = /^(scenarios|saved)\/(.+)$/.exec(path) ?? [];
+  if (!name) throw new Error("there is no such file");
   openText(await readFile(folder, name), name);
+  if (folder === "saved") byId("save-as").value = mine = name;
   return `Opened ${name}.`;
 });
 
@@ -39,8 +43,8 @@ function line(text, at, current, before) {
   const kind = [at >= model.cursor && "later", at === current && "current", note && "bad",
     /^\s*(#|$)/.test(text) && "remark"].filter(Boolean).join(" ");
   const key = [at, text, kind, mark, note].join();
-  if (before?.dataset.key === key) return before;
-  return el("li", { class: kind, "data-key": key },
+  if (before?.dataset.drawn === key) return before;
+  return el("li", { class: kind, "data-drawn": key },
     el("button", { type: "button", "data-line": at + 1, "aria-current": at === current && "step" },
       span("number", at + 1), span("done", mark), el("code", {}, text || " ")),
     note && el("p", { class: "note" }, note));
@@ -109,16 +113,19 @@ function drawFiles() {
 }
 
 const save = () => attempt(async () => {
-  const { saved } = await saveFile(byId("save-as").value.trim().replace(/(\.txt)?$/, ".txt"), textOf(model.lines));
-  if (!files.saved.includes(saved)) files.saved.push(saved);
-  model.name = saved;
+  const name = byId("save-as").value.trim().replace(/(\.txt)?$/, ".txt"), asked = mine;
+  mine = name;
+  if (name !== asked && (await about()).saved.includes(name)) return `There is a ${name} already: Save again replaces it.`;
+  await saveFile(name, textOf(shownLines()));
+  files = await about();
+  model.name = name;
   drawFiles();
   drawScenario();
-  return `Saved as ${saved}.`;
+  return `Saved as ${name}.`;
 });
 
 const link = () => attempt(async () => {
-  history.replaceState(null, "", "#scenario=" + encodeURIComponent(model.lines.join("\n")));
+  history.replaceState(null, "", "#scenario=" + encodeURIComponent(shownLines().join("\n")));
   const copied = await navigator.clipboard?.writeText(location.href).then(() => true, () => false);
   return copied ? "The link is copied. It holds the whole scenario." : "The link stands in the address bar.";
 });
@@ -128,7 +135,7 @@ function cancel() {
   drawScenario();
 }
 
-const kFileActions = { edit: () => edit(model.lines), apply, cancel, link, save };
+const kFileActions = { edit: () => editing || edit(model.lines), apply, cancel, link, save };
 
 export function startScenario(told) {
   files = told;
