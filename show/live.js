@@ -5,10 +5,11 @@ const kGone = "The server has gone, or too many pages are open. Load this page a
 
 async function ask(path, method, type, body) {
   const gone = () => { throw new Error(kGone); };
-  const answer = await fetch(path, { method, headers: type && { "Content-Type": type }, body }).catch(gone);
+  const headers = type && { "Content-Type": type }, signal = AbortSignal.timeout(20000);
+  const answer = await fetch(path, { method, headers, body, signal }).catch(gone);
   if (answer.ok) return answer;
   const told = await answer.json().catch(() => ({}));
-  throw new Error(told.error ?? `${path}: ${answer.status}`);
+  throw Object.assign(new Error(told.error ?? `${path}: ${answer.status}`), { refused: answer.status !== 404 });
 }
 
 const post = (path, body) => ask(path, "POST", "application/json", JSON.stringify(body));
@@ -37,15 +38,17 @@ export class Device {
   }
 
   // A session is its listener: a browser that lost its connection comes back to another one, and so do
-  // we, once, if it does not. What was played is played there again.
+  // we, once, if it does not, when sessions that were just left are over. What was played is played
+  // there again.
   #open() {
     this.events = new EventSource("sessions?build=" + encodeURIComponent(this.build));
     this.events.onmessage = (message) => this.#hear(JSON.parse(message.data));
     this.events.onerror = () => {
+      this.path = null;
       if (this.events.readyState !== EventSource.CLOSED) return;
-      if (this.#again) return this.#fail(kGone);
+      if (this.#again) return this.#fail(new Error(kGone));
       this.#again = true;
-      this.#open();
+      this.later = setTimeout(() => this.#open(), 2000);
     };
   }
 
@@ -55,9 +58,11 @@ export class Device {
     if (this.#number) this.play(this.lines);
   }
 
-  #fail(message) {
+  #fail({ message, refused }) {
     this.busy = false;
+    if (refused) this.#count(this.#held);
     say(message);
+    this.heard({ refused });
   }
 
   play(lines) {
@@ -67,7 +72,8 @@ export class Device {
     this.busy = true;
     if (!this.path) return;  // it is played when the session begins
     // Plays reach the server in the order of their numbers.
-    this.last = this.last.then(() => post(this.path, { play: number, lines })).catch((error) => this.#fail(error.message));
+    this.last = this.last.then(() => post(this.path, { play: number, lines }))
+      .catch((error) => number === this.#number && this.#fail(error));
   }
 
   #count(lines) {
@@ -92,5 +98,8 @@ export class Device {
     this.heard(said);
   }
 
-  close() { this.events.close(); }
+  close() {
+    clearTimeout(this.later);
+    this.events.close();
+  }
 }

@@ -31,13 +31,13 @@ function startAll(builds, edition, files) {
   startScenario(files);
 }
 
-// What the address asks for: #scenario=TEXT, or #open=scenarios/PATH (or saved/NAME). Answers whether
-// it asks for anything.
+// What the address asks for: #scenario=TEXT, or #open=scenarios/PATH (or saved/NAME).
 function openAsked() {
   const [, kind, asked] = /^#(scenario|open)=(.*)$/s.exec(location.hash) ?? [];
-  if (kind === "scenario") openText(decodeURIComponent(asked), "from a link");
-  if (kind === "open") openFile(decodeURIComponent(asked));
-  return Boolean(kind);
+  try {
+    if (kind === "scenario") openText(decodeURIComponent(asked), "from a link");
+    if (kind === "open") openFile(decodeURIComponent(asked));
+  } catch { say("The link is broken: it cannot be read."); }
 }
 
 async function showLive() {
@@ -48,7 +48,9 @@ async function showLive() {
     byId("build").addEventListener("change", (event) => useBuild(event.target.value));
     addEventListener("hashchange", openAsked);
     addEventListener("pagehide", endDevice);
-    if (!openAsked()) play(kBeginning.split("\n"), undefined, false);
+    addEventListener("pageshow", ({ persisted }) => persisted && useBuild(byId("build").value));
+    play(kBeginning.split("\n"), undefined, false);
+    openAsked();
   } catch (error) { say(error.message); }
 }
 

@@ -70,15 +70,23 @@ export function useBuild(build) {
 
 export function endDevice() { played.close(); }
 
+// What was refused is undone, with all that was added to it before anyone knew.
+function takeBack(wrong) {
+  const { lines } = model, before = canUndo();
+  do Object.assign(model, past.pop()); while (canUndo() && model.lines !== played.lines);
+  if (before && model.lines !== played.lines) play(model.lines, model.cursor, false);
+  if (wrong) model.wrong = { ...wrong, lines };
+}
+
 function heard(said) {
   if (said.gone) say(`The device process ended: ${said.gone}. Whatever you do next starts it anew.`);
-  // What was refused is undone.
-  if (said.wrong) Object.assign(model, { wrong: { ...said.wrong, lines: model.lines } }, past.pop());
+  if (said.wrong || said.refused) takeBack(said.wrong);
   if (model.busy) changedWhilePlaying();
   else drawNow();
 }
 
 export function undo() {
+  if (!canUndo()) return;
   const { lines, cursor, name } = past.pop();
   model.name = name;
   play(lines, cursor, false);

@@ -31,6 +31,7 @@ function waited(lines, micros) {
 
 // Time goes on to the next timer, in a line of its own: the device need not begin again.
 function waitForTimer() {
+  if (model.busy) return;
   const { time, nextTimer } = shownState();
   play([...model.lines, "advance " + exactSeconds(nextTimer - time)], undefined, !written);
   written = running;

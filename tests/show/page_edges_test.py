@@ -1,7 +1,88 @@
 #!/usr/bin/env python3
 """page_edges_test.py SIMULATOR DEVICE-LIBRARY: the page when it is used at an awkward moment, or handed something odd."""
-from browser import Keys
-from shown import Shown, main
+from browser import Keys, Page
+from shown import LAUNCH, Shown, main
+
+
+class Links(Shown):
+    def test_a_broken_link_is_said_and_the_page_is_of_use(self):
+        page = Page(self.browser, self.server.url + "#scenario=%E0%A4%A")
+        self.assertIn("link", page.text("#said"))
+        self.assertIn("boot", page.lines())
+        self.browser.driver.execute_script("location.hash = '#open=%'")
+        page.wait(lambda: "#open" in self.browser.driver.current_url, "it is asked for")
+        self.assertIn("boot", page.lines())
+
+    def test_a_link_to_no_file_is_said_and_the_page_is_of_use(self):
+        for path in ("scenarios/none.txt", "//example.com/a.txt", "none"):
+            page = Page(self.browser, self.server.url + "#open=" + path)
+            page.wait(lambda page=page: "no such file" in page.text("#said"), path)
+            self.assertIn("boot", page.lines())
+            self.assertEqual([line for line in self.browser.console() if "404" not in line], [])
+
+    def test_a_scenario_that_is_too_long_is_refused_and_the_page_goes_on(self):
+        page = self.open("# too long\n" * 5001)
+        page.wait(lambda: "more than 5000 lines" in page.text("#said"), "it is said")
+        self.assertIn("boot", page.lines())
+        page.press("Play", "#phone")
+        self.assertEqual(page.lines()[-1], "tap-transport 3")
+        self.assertRow(page, LAUNCH, "com.spotify.client")
+        self.assertEqual([line for line in self.browser.console() if "413" not in line], [])
+
+
+class Races(Shown):
+    def at_once(self, *clicks):
+        self.browser.driver.execute_script("for (const one of arguments) document.querySelector(one).click()", *clicks)
+
+    def test_undo_pressed_twice_at_once_is_one_undo(self):
+        page = self.open("boot\n")
+        page.press("Plug in", "#around")
+        for _ in range(2):
+            self.at_once("[data-time=undo]", "[data-time=undo]", "[data-time=undo]")
+            page.settle()
+        self.assertIn("boot", page.lines())
+
+    def test_the_next_timer_pressed_twice_at_once_is_one_timer(self):
+        page = self.open()
+        page.press("Play", "#phone")
+        before = page.lines()
+        self.at_once("[data-time=timer]", "[data-time=timer]")
+        page.settle()
+        self.assertEqual(len(page.lines()), len(before) + 1, page.lines())
+
+    def test_what_is_pressed_before_a_refusal_comes_is_undone_with_it(self):
+        page = self.open()
+        before = page.lines()
+        page.press("Edit", "#scenario")
+        self.browser.driver.execute_script("document.getElementById('text').value = 'boot\\nfly\\n'")
+        self.at_once("[data-file=apply]", "[data-do='headphones in']")
+        page.wait(lambda: "unknown command fly" in page.text("#wrong"), "it is refused")
+        page.press("Leave as it was", "#scenario")
+        self.assertEqual(page.lines(), before)
+
+    def test_many_comparisons_in_a_moment_leave_the_last(self):
+        page = self.open()
+        page.press("Play", "#phone")
+        self.browser.driver.execute_script("""
+            const compare = document.getElementById("compare");
+            for (let at = 0; at < 40; ++at) {
+              compare.selectedIndex = 1 + at % (compare.options.length - 1);
+              compare.dispatchEvent(new Event("change", { bubbles: true }));
+            }
+            compare.value = "armv7";
+            compare.dispatchEvent(new Event("change", { bubbles: true }));""")
+        page.wait(lambda: page.text("#difference") == "armv7: no difference so far" and page.rows("#second"), "it is compared")
+        self.assertEqual(page.rows("#second"), page.rows("#first"))
+        self.assertEqual([line for line in self.browser.console() if "429" not in line], [])
+
+    def test_a_page_that_is_come_back_to_goes_on(self):
+        page = self.open()
+        self.browser.driver.execute_script("""
+            dispatchEvent(new PageTransitionEvent("pagehide", { persisted: true }));
+            dispatchEvent(new PageTransitionEvent("pageshow", { persisted: true }));""")
+        page.settle()
+        page.press("Play", "#phone")
+        self.assertRow(page, LAUNCH, "com.spotify.client")
 
 
 class Looking(Shown):
