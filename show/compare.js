@@ -14,10 +14,12 @@ let other = null;  // {name, version, device, lanes, from: the lines that it was
 
 function drawFilters(record) {
   const state = shownState();
-  const choices = (name, first, all) => fill(byId("by-" + name), el("option", { value: "" }, first),
-    all.map(([value, shown]) => el("option", { value, selected: value === filter[name] }, shown)));
-  const processes = new Set([...state.processes.map((process) => process.id), ...lanesOf(record)]);
-  choices("process", "all processes", [...processes].map((id) => [id, appName(id, state)]));
+  const choices = (name, first, all) => {
+    fill(byId("by-" + name), el("option", { value: "" }, first), all.map(([value, shown]) => el("option", { value }, shown)));
+    byId("by-" + name).value = filter[name];
+  };
+  const processes = new Set([...state.processes.map((process) => process.id), ...lanesOf(record), filter.process]);
+  choices("process", "all processes", [...processes].filter(Boolean).map((id) => [id, appName(id, state)]));
   choices("outcome", "all kinds", Object.entries(kOutcomes));
 }
 
@@ -73,6 +75,7 @@ export function startRecord(builds) {
     el("optgroup", { label: "another version" },
       kVersions.map(([name, number]) => el("option", { value: "v" + number }, "iOS " + name))));
   byId("compare").addEventListener("change", (event) => compareWith(event.target.value));
+  byId("build").addEventListener("change", () => other?.version && compareWith(byId("compare").value));
   byId("filters").addEventListener("input", () => {
     for (const name of ["process", "outcome", "text"]) filter[name] = byId("by-" + name).value.trim();
     filter.folded = byId("by-folded").checked;

@@ -1,7 +1,7 @@
 // One row explained: a sentence, the hook that decided and what it looked at, and every call behind it.
 import { byId, el, fill, onPress, span } from "./dom.js";
 import { explainQuestion, explainRow } from "./explain.js";
-import { isLive, model, moveTo, play } from "./model.js";
+import { isLive, model, moveTo, onChange, play } from "./model.js";
 import { kOutcomes } from "./rows.js";
 import { appName, clock } from "./words.js";
 
@@ -53,6 +53,9 @@ function calls(rows, behind, index) {
       behind.length > 400 && el("li", {}, `… and ${behind.length - 400} more`)));
 }
 
+// Whether it happened in the scenario that is shown: not on the device beside it, nor in one before.
+const isOurs = ({ step }) => step.step < model.valid && model.steps[step.step] === step;
+
 export function explain(item) {
   shown = item;
   const { rows } = item.step, row = rows[item.index];
@@ -63,7 +66,7 @@ export function explain(item) {
     el("div", { class: "facts pair faint" }, el("b", { class: "tag " + item.outcome }, kOutcomes[item.outcome]),
       row && " in " + appName(row.process, item.step.state),
       ` at ${clock(item.time)}, line ${item.step.step + 1}`,
-      span("pair",
+      isOurs(item) && span("pair",
         row?.kind === "effect" && isLive() && el("button", { type: "button", "data-row": "expect" }, "Expect this"),
         el("button", { type: "button", "data-row": "go" }, "Go there"))),
     row && answers(rows, behind, item.step.state),
@@ -87,4 +90,7 @@ export function startDetail() {
   fill(byId("detail"), el("h3", {}, "Choose a row to have it explained"),
     el("p", { class: "faint" }, "You will see what it means, which settings decided it, and every call behind it."));
   onPress(byId("detail"), "row", (what) => (what === "expect" ? expectShown() : moveTo(shown.step.step + 1)));
+  onChange(() => {
+    if (shown && !isOurs(shown)) byId("detail").querySelector(".facts .pair")?.remove();
+  });
 }

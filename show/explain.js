@@ -93,13 +93,14 @@ const kQuestions = [
   [/nowPlayingApplication/, "Whose track is it?"], [/canOpenURL/, "Can that address be opened?"],
 ];
 
-function fitting(table, text, state) {
+function fitting(table, text, state, process) {
   for (const [pattern, words] of table) {
     const found = pattern.exec(text);
     if (!found) continue;
-    return words.replace(/\{\$(\d)\}/g, (_, at) => (found[at] === "none" ? "No app" : appName(found[at], state)))
-      .replace(/\[\$(\d)\]/g, (_, at) => kSignals.get(found[at]) ?? found[at])
-      .replace(/\$(\d)/g, (_, at) => found[at]);
+    return words.replace(/\{\$(\d)\}|\[\$(\d)\]|\$(\d)|\{\}/g, (_, app, signal, text) =>
+      app ? (found[app] === "none" ? "No app" : appName(found[app], state))
+      : signal ? kSignals.get(found[signal]) ?? found[signal]
+      : text ? found[text] : appName(process, state));
   }
   return null;
 }
@@ -113,8 +114,7 @@ export function explainCommand(line, state) {
 // What one row means. Always a sentence, if need be a general one.
 export function explainRow(row, state) {
   const called = row.kind === "effect" || row.kind === "hook";
-  const words = fitting(kRowWords, called ? row.call : `${row.kind} ${row.call}`, state);
-  const plain = words?.replace("{}", appName(row.process, state));
+  const plain = fitting(kRowWords, called ? row.call : `${row.kind} ${row.call}`, state, row.process);
   if (row.kind === "hook") return (plain ?? "A call.").replace(/\.$/, ": the library answers instead.");
   return plain ?? (row.by === "passed" ? "The library looks at this call and passes it on." : "The phone is asked for this.");
 }

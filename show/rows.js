@@ -65,12 +65,13 @@ const foldedItem = (item) => ({ ...item, folded: 1, outcome: item.process ? "own
 export function recordOf(steps, count, filter) {
   const record = [];
   const take = (item) => {
+    if (!matching(item, filter)) return;
     const folded = filter.folded && item.startUp;
     const last = record.at(-1);
     if (folded && last?.folded && last.process === item.process && (last.step === item.step || !item.process)) {
       ++last.folded;
       last.call += "\n" + item.call;
-    } else if (matching(item, filter)) record.push(folded ? foldedItem(item) : item);
+    } else record.push(folded ? foldedItem(item) : item);
   };
   for (let at = 0; at < count; ++at) itemsOf(steps[at], steps[at - 1]?.state ?? kStartState).forEach(take);
   return record;

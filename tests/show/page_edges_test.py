@@ -1,5 +1,7 @@
 #!/usr/bin/env python3
 """page_edges_test.py SIMULATOR DEVICE-LIBRARY: the page when it is used at an awkward moment, or handed something odd."""
+import urllib.parse
+
 from browser import Keys, Page
 from shown import LAUNCH, Shown, main
 
@@ -86,6 +88,35 @@ class Races(Shown):
 
 
 class Looking(Shown):
+    def value(self, selector):
+        return self.browser.driver.execute_script(
+            "const one = document.querySelector(arguments[0]); return [one.value, one.selectedOptions[0]?.text]", selector)
+
+    def test_a_filter_shows_what_is_filtered(self):
+        page = self.open()
+        page.press("Play", "#phone")
+        page.one("#by-process").send_keys("Spotify")
+        for _ in range(3):
+            page.press("One line back", "#time")
+            self.assertEqual(self.value("#by-process"), ["com.spotify.client", "Spotify"])
+        page.enter('app com.example.notes "Notes"\nboot\nstart com.example.notes\nstart com.spotify.client\n')
+        self.assertEqual(self.value("#by-process"), ["com.spotify.client", "Spotify"])
+        page.one("#by-text").send_keys("e")
+        self.assertEqual(self.value("#by-process")[0], "com.spotify.client")
+
+    def test_a_fold_counts_what_is_looked_for(self):
+        page = self.open("boot\n")
+        page.one("#by-text").send_keys("launchIcon")
+        folded = [row for row in page.rows() if "Starting up" in row]
+        self.assertEqual(len(folded), 1)
+        self.assertIn("(1)", folded[0])
+
+    def test_a_choice_of_another_page_is_shown(self):
+        start = 'app com.spotify.client "Spotify"\nprefs iea9AQXrEmhSZ4u yes\n'
+        page = self.open(start + "boot\nsettings open\n")
+        page.enter(start + 'app com.pandora "Pandora"\nboot\nsettings open\nsettings choose "Preferred Player" com.pandora\n')
+        self.assertEqual(self.value("#screen [data-choose='Preferred Player']"), ["com.pandora", "Pandora"])
+
     def test_the_focus_stays_on_a_line(self):
         page = self.open()
         line = page.one("#lines [data-line='5']")
@@ -94,6 +125,46 @@ class Looking(Shown):
         focused = self.browser.driver.switch_to.active_element
         self.assertEqual(focused.get_attribute("data-line"), "5")
         self.assertEqual(focused.get_attribute("aria-current"), "step")
+
+    def test_a_row_of_the_other_device_is_only_told(self):
+        page = self.open()
+        page.press("Play", "#phone")
+        page.row(LAUNCH).click()
+        self.assertTrue(page.button("Expect this", "#detail"))
+        page.choose("#compare", "iOS 7.0")
+        page.wait(lambda: page.all("#second .differs"), "they are compared")
+        page.row(LAUNCH, "#second").click()
+        page.settle()
+        self.assertIn("Spotify", page.text("#detail h3"))
+        self.assertEqual(page.all("#detail [data-row]"), [])
+
+    def test_a_row_of_a_scenario_that_is_gone_is_only_told(self):
+        page = self.open()
+        page.press("Play", "#phone")
+        page.row(LAUNCH).click()
+        self.assertTrue(page.button("Expect this", "#detail"))
+        page.enter("locked yes\nboot\n")
+        self.assertEqual(page.all("#detail [data-row]"), [])
+
+    def test_names_with_signs_of_patterns_are_shown_as_they_are(self):
+        page = self.open('app a.b "$& $1 [$1] {}"\nboot\nstart a.b\n')
+        self.assertRow(page, "$& $1 [$1] {} is started.")
+        self.assertRow(page, "$& $1 [$1] {} starts")
+
+    def test_another_build_is_what_a_version_is_compared_on(self):
+        page = self.open()
+        page.choose("#compare", "iOS 8.4")
+        page.wait(lambda: "no difference" in page.text("#difference"), "they are compared")
+        page.choose("#build", "arm64")
+        page.wait(lambda: "no difference" in page.text("#difference"), "they are compared again")
+        asked = self.browser.driver.execute_script(
+            "return performance.getEntriesByType('resource').map((one) => one.name).filter((name) => /build=/.test(name))")
+        builds = [urllib.parse.urlsplit(one).query for one in self.devices(page, asked)]
+        self.assertEqual(builds[-2:], ["build=arm64", "build=arm64"], builds)
+
+    def devices(self, page, finished):
+        """Sessions asked for since the page was loaded, in their order."""
+        return [one for one in self.browser.requests() if "sessions?build=" in one] or finished
 
 
 class Saving(Shown):
