@@ -1,9 +1,11 @@
 #include "sim/serve/files.hpp"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <map>
@@ -54,9 +56,11 @@ std::vector<std::string> scenarioFiles(const fs::path& folder) {
 
 void save(const fs::path& folder, const std::string& name, const std::string& text) {
   std::string unfinished = folder / ".unfinished-XXXXXX";
-  const int file = mkstemp(unfinished.data());
-  bool succeeded = file >= 0 && write(file, text.data(), text.size()) == ssize_t(text.size());
-  if (file >= 0) succeeded = close(file) == 0 && succeeded;
+  const int descriptor = mkstemp(unfinished.data());
+  std::FILE* file = descriptor < 0 ? nullptr : fdopen(descriptor, "wb");
+  bool succeeded = file && std::fwrite(text.data(), 1, text.size(), file) == text.size();
+  succeeded = succeeded && fchmod(descriptor, 0644) == 0;  // it was for its owner's eyes alone
+  if (file) succeeded = std::fclose(file) == 0 && succeeded;
   if (succeeded && rename(unfinished.c_str(), (folder / name).c_str()) == 0) return;
   const int error = errno;
   unlink(unfinished.c_str());

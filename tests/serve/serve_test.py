@@ -4,6 +4,7 @@ import http.client
 import json
 import os
 import pathlib
+import resource
 import subprocess
 import unittest
 import urllib.parse
@@ -96,6 +97,18 @@ class Files(Test):
     def test_what_cannot_be_written_is_told(self):
         (self.served.saved / "a.txt").mkdir()
         self.refuses(500, "PUT", "saved/a.txt", b"boot\n")
+        self.assertEqual(os.listdir(self.served.saved), ["a.txt"])
+
+    def test_what_is_saved_can_be_read_as_other_files_can(self):
+        self.assertEqual(self.served.ask("PUT", "saved/a.txt", b"boot\n").status, 200)
+        self.assertEqual((self.served.saved / "a.txt").stat().st_mode & 0o777, 0o644)
+
+    def test_a_file_that_does_not_fit_leaves_the_one_before_and_says_why(self):
+        self.served.ask("PUT", "saved/a.txt", b"boot\n")
+        resource.prlimit(self.served.process.pid, resource.RLIMIT_FSIZE, (1024, resource.RLIM_INFINITY))
+        refused = self.served.ask("PUT", "saved/a.txt", 5000 * b"#")
+        self.assertEqual((refused.status, json.loads(refused.body)), (500, {"error": "cannot write a.txt: File too large"}))
+        self.assertEqual((self.served.saved / "a.txt").read_bytes(), b"boot\n")
         self.assertEqual(os.listdir(self.served.saved), ["a.txt"])
 
     def test_without_a_folder_nothing_is_saved(self):

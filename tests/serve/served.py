@@ -28,7 +28,7 @@ class Served:
         os.link(program, root / program.name)
         self.process = subprocess.Popen(
             [root / program.name, "serve", "--scenarios", self.scenarios, "--saved", self.saved, *options],
-            stdout=subprocess.PIPE, text=True, env=os.environ | {"CORVALEN_LIBRARY": str(program.parent / "proCorvalen.so")})
+            stdout=subprocess.PIPE, text=True, restore_signals=False, env=os.environ | {"CORVALEN_LIBRARY": str(program.parent / "proCorvalen.so")})
         self.url = urllib.parse.urlsplit(self.process.stdout.readline().strip())
 
     def end(self):
