@@ -24,7 +24,6 @@ function keepAttributes(now, wanted) {
   for (const { name, value } of [...wanted.attributes])
     if (now.getAttribute(name) !== value) now.setAttribute(name, value);
   if (now.tagName === "INPUT") now.checked = wanted.checked;
-  if (now.tagName === "SELECT" && now.value !== wanted.value) now.value = wanted.value;
 }
 
 // Makes `host` hold exactly these nodes, changing as little as possible: what stays keeps its focus
@@ -38,7 +37,12 @@ export function fill(host, ...nodes) {
     if (!now) host.append(node);
     else if (now.nodeName !== node.nodeName || now.dataset?.key !== node.dataset?.key) now.replaceWith(node);
     else if (now.nodeType === Node.TEXT_NODE) { if (now.data !== node.data) now.data = node.data; }
-    else { fill(now, ...node.childNodes); keepAttributes(now, node); }
+    else {
+      const { value } = node;  // (of a choice, while it still has all of its own)
+      fill(now, ...node.childNodes);
+      keepAttributes(now, node);
+      if (now.tagName === "SELECT" && now.value !== value) now.value = value;
+    }
   });
   while (host.childNodes.length > wanted.length) host.lastChild.remove();
 }

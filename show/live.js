@@ -5,11 +5,11 @@ const kGone = "The server has gone, or too many pages are open. Load this page a
 
 async function ask(path, method, type, body) {
   const gone = () => { throw new Error(kGone); };
-  const headers = type && { "Content-Type": type }, signal = AbortSignal.timeout(20000);
+  const headers = type && { "Content-Type": type }, signal = AbortSignal.timeout(10000);
   const answer = await fetch(path, { method, headers, body, signal }).catch(gone);
   if (answer.ok) return answer;
   const told = await answer.json().catch(() => ({}));
-  throw Object.assign(new Error(told.error ?? `${path}: ${answer.status}`), { refused: answer.status !== 404 });
+  throw Object.assign(new Error(told.error ?? `${path}: ${answer.status}`), { status: answer.status });
 }
 
 const post = (path, body) => ask(path, "POST", "application/json", JSON.stringify(body));
@@ -38,18 +38,19 @@ export class Device {
   }
 
   // A session is its listener: a browser that lost its connection comes back to another one, and so do
-  // we, once, if it does not, when sessions that were just left are over. What was played is played
-  // there again.
+  // we, once, if it does not. What was played is played there again.
   #open() {
     this.events = new EventSource("sessions?build=" + encodeURIComponent(this.build));
     this.events.onmessage = (message) => this.#hear(JSON.parse(message.data));
-    this.events.onerror = () => {
-      this.path = null;
-      if (this.events.readyState !== EventSource.CLOSED) return;
-      if (this.#again) return this.#fail(new Error(kGone));
-      this.#again = true;
-      this.later = setTimeout(() => this.#open(), 2000);
-    };
+    this.events.onerror = () => this.events.readyState === EventSource.CLOSED && this.#reopen();
+  }
+
+  #reopen() {
+    this.path = null;
+    this.events.close();
+    if (this.#again) return this.#fail(new Error(kGone));
+    this.#again = true;
+    this.#open();
   }
 
   #begin(session) {
@@ -58,11 +59,12 @@ export class Device {
     if (this.#number) this.play(this.lines);
   }
 
-  #fail({ message, refused }) {
+  // With a status: the server refused it, and what was played before is what there is.
+  #fail({ message, status }) {
     this.busy = false;
-    if (refused) this.#count(this.#held);
+    if (status) this.#count(this.#held);
     say(message);
-    this.heard({ refused });
+    this.heard({ refused: Boolean(status) });
   }
 
   play(lines) {
@@ -71,9 +73,13 @@ export class Device {
     this.#count(lines);
     this.busy = true;
     if (!this.path) return;  // it is played when the session begins
+    const { path } = this;
     // Plays reach the server in the order of their numbers.
-    this.last = this.last.then(() => post(this.path, { play: number, lines }))
-      .catch((error) => number === this.#number && this.#fail(error));
+    this.last = this.last.then(() => post(path, { play: number, lines })).catch((error) => {
+      if (number !== this.#number || path !== this.path) return;  // another one has taken its place
+      if (error.status === 404) this.#reopen();
+      else this.#fail(error);
+    });
   }
 
   #count(lines) {
@@ -98,8 +104,5 @@ export class Device {
     this.heard(said);
   }
 
-  close() {
-    clearTimeout(this.later);
-    this.events.close();
-  }
+  close() { this.events.close(); }
 }

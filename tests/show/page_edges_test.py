@@ -77,6 +77,35 @@ class Races(Shown):
         self.assertEqual(page.rows("#second"), page.rows("#first"))
         self.assertEqual([line for line in self.browser.console() if "429" not in line], [])
 
+    def test_no_free_connection_is_said(self):
+        page = self.open()
+        self.browser.driver.execute_script("""
+            const patience = AbortSignal.timeout;
+            AbortSignal.timeout = () => patience(500);
+            window.others = Array.from({ length: 5 }, () => new EventSource("sessions?build=host"));""")
+        page.wait(lambda: self.browser.driver.execute_script("return others.every((one) => one.readyState === 1)"), "all are taken")
+        self.at_once("[data-do='headphones in']")
+        page.wait(lambda: "too many pages" in page.text("#said"), "it is said")
+        self.browser.driver.execute_script("others.forEach((one) => one.close())")
+        page.press("Play", "#phone")
+        self.assertRow(page, LAUNCH, "com.spotify.client")
+
+    def test_a_session_that_the_server_has_ended_is_followed_by_another(self):
+        kept = self.browser.driver.execute_cdp_cmd("Page.addScriptToEvaluateOnNewDocument", {"source": """
+            window.sources = [];
+            window.EventSource = class extends EventSource {
+              constructor(address) { super(address); sources.push(this); }
+            };"""})
+        page = self.open()
+        self.browser.driver.execute_cdp_cmd("Page.removeScriptToEvaluateOnNewDocument", kept)
+        self.browser.driver.execute_script("sources[0].close()")
+        page.wait(lambda: not self.server.devices(), "the server ends it")
+        page.press("Play", "#phone")
+        page.wait(lambda: page.lines()[-1] == "tap-transport 3", "it is played")
+        self.assertRow(page, LAUNCH, "com.spotify.client")
+        self.assertEqual(page.text("#said"), "")
+        self.assertEqual([line for line in self.browser.console() if "404" not in line], [])
+
     def test_a_page_that_is_come_back_to_goes_on(self):
         page = self.open()
         self.browser.driver.execute_script("""
@@ -116,6 +145,18 @@ class Looking(Shown):
         page = self.open(start + "boot\nsettings open\n")
         page.enter(start + 'app com.pandora "Pandora"\nboot\nsettings open\nsettings choose "Preferred Player" com.pandora\n')
         self.assertEqual(self.value("#screen [data-choose='Preferred Player']"), ["com.pandora", "Pandora"])
+
+    def test_a_choice_that_was_not_there_before_is_shown(self):
+        self.open()
+        shown = self.browser.driver.execute_async_script("""
+            const done = arguments[0];
+            import(location.pathname + "dom.js").then(({ el, fill }) => {
+              const host = el("div"), select = (...values) => [el("label", {}, el("select", {},
+                values.map((value) => el("option", { value, selected: value === values.at(-1) }))))];
+              const showing = (...values) => { fill(host, select(...values)); return host.querySelector("select").value; };
+              done([showing("a"), showing("a", "b"), showing("a", "b", "c"), showing("b")]);
+            });""")
+        self.assertEqual(shown, ["a", "b", "c", "b"])
 
     def test_the_focus_stays_on_a_line(self):
         page = self.open()

@@ -190,11 +190,10 @@ class PageTest(Shown):
     def test_a_device_that_dies_is_said_and_the_next_press_goes_on(self):
         page = self.open()
         page.press("Plug in", "#around")
-        devices = subprocess.run(["pgrep", "-P", str(self.server.process.pid)], stdout=subprocess.PIPE, check=True)
-        for device in devices.stdout.split():
+        for device in self.server.devices():
             # (That of a page closed a moment ago may end by itself before.)
             with contextlib.suppress(ProcessLookupError):
-                os.kill(int(device), signal.SIGSEGV)
+                os.kill(device, signal.SIGSEGV)
         page.wait(lambda: "signal 11" in page.text("#said"), "its end is said")
         page.press("Pull out", "#around")
         self.assertEqual(page.lines()[-1], "headphones out")

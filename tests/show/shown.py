@@ -21,6 +21,11 @@ class Server:
             stdout=subprocess.PIPE, text=True)
         self.url = self.process.stdout.readline().strip()
 
+    def devices(self):
+        """Their numbers."""
+        found = subprocess.run(["pgrep", "-P", str(self.process.pid)], stdout=subprocess.PIPE, text=True, check=False)
+        return [int(number) for number in found.stdout.split()]
+
     def end(self):
         self.process.terminate()
         self.process.wait()
