@@ -17,7 +17,7 @@ const fileAddress = (folder, name) => folder + "/" + name.split("/").map(encodeU
 
 export const about = async () => (await ask("about")).json();
 export const readFile = async (folder, name) => (await ask(fileAddress(folder, name))).text();
-export const saveFile = async (name, text) => (await ask(fileAddress("saved", name), "PUT", "text/plain", text)).json();
+export const saveFile = (name, text) => ask(fileAddress("saved", name), "PUT", "text/plain", text);
 
 // A device of its own, and what the lines did that it was told to play last.
 export class Device {

@@ -6,7 +6,6 @@ import { holdTime } from "./pace.js";
 
 let editing = false;
 let applied = false;  // what is edited was played, and nothing refused it yet
-let files = null;
 let mine = "";        // of those saved: what is saved under this name takes its place unasked
 
 const linesOf = (text) => text.replace(/\r/g, "").replace(/\n+$/, "").split("\n");
@@ -23,6 +22,7 @@ export function openText(text, name) {
   holdTime();
   play(linesOf(text));
   model.name = name;
+  mine = "";
 }
 
 // `path` begins with the folder: scenarios/ or saved/.
@@ -101,7 +101,7 @@ function leave() {
 
 // ---- Files and links
 
-function drawFiles() {
+function drawFiles(files) {
   const folders = { "saved by you": files.saved.map((name) => "saved/" + name) };
   for (const path of files.scenarios) {
     const folder = path.split("/").slice(0, -1).join("/") || "scenarios";
@@ -117,9 +117,8 @@ const save = () => attempt(async () => {
   mine = name;
   if (name !== asked && (await about()).saved.includes(name)) return `There is a ${name} already: Save again replaces it.`;
   await saveFile(name, textOf(shownLines()));
-  files = await about();
   model.name = name;
-  drawFiles();
+  drawFiles(await about());
   drawScenario();
   return `Saved as ${name}.`;
 });
@@ -137,9 +136,8 @@ function cancel() {
 
 const kFileActions = { edit: () => editing || edit(model.lines), apply, cancel, link, save };
 
-export function startScenario(told) {
-  files = told;
-  drawFiles();
+export function startScenario(files) {
+  drawFiles(files);
   onPress(byId("scenario"), "file", (what) => kFileActions[what]());
   onPress(byId("lines"), "line", moveTo);
   byId("open").addEventListener("change", ({ target }) => {

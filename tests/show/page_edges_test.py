@@ -52,6 +52,31 @@ class Races(Shown):
         page.settle()
         self.assertEqual(len(page.lines()), len(before) + 1, page.lines())
 
+    def test_time_that_nothing_can_play_does_not_pass(self):
+        page = self.open()
+        page.press("Play", "#phone")
+        self.assertTrue(page.button("To next timer").is_enabled())
+        page.enter("\n".join([*page.lines(), "press 0"]))
+        self.assertIn("no alert is shown", page.text("#lines"))
+        self.assertFalse(page.button("To next timer").is_enabled())
+
+    def test_going_back_while_time_passes_keeps_what_was_played(self):
+        page = self.open()
+        page.press("Play", "#phone")
+        before = page.lines()
+        page.press("Let time pass", "#time")
+        page.wait(lambda: "playing" in page.text("#screen"), "the player plays by itself")
+        self.browser.driver.execute_script(f"""
+            const moment = document.getElementById("moment");
+            moment.value = {len(before) - 1};
+            moment.dispatchEvent(new Event("input", {{ bubbles: true }}));""")
+        page.settle()
+        self.assertEqual(page.lines()[:len(before)], before)
+        self.assertIn("nothing is loaded", page.text("#screen"))
+        self.assertEqual(page.one("[data-time=pace]").get_attribute("aria-pressed"), "false")
+        page.press("Undo", "#time")
+        self.assertEqual(page.lines(), before)
+
     def test_what_is_pressed_before_a_refusal_comes_is_undone_with_it(self):
         page = self.open()
         before = page.lines()
@@ -243,6 +268,11 @@ class Saving(Shown):
         page.press("Plug in", "#around")
         page.press("Save", "#scenario")
         page.wait(lambda: "Saved" in page.text("#said"), "one's own is saved at once")
+        self.assertEqual(self.text_of("kept.txt"), "boot\nheadphones in\n")
+        page.choose("#open", "press-play")
+        page.wait(lambda: page.text("#name") == "press-play.txt", "another one is opened")
+        page.press("Save", "#scenario")
+        page.wait(lambda: "again" in page.text("#said"), "which is not that file")
         self.assertEqual(self.text_of("kept.txt"), "boot\nheadphones in\n")
 
 
