@@ -12,7 +12,7 @@ export function el(tag, attributes = {}, ...children) {
                                : document.createElement(tag);
   for (const [name, value] of Object.entries(attributes))
     if (value !== false && value != null) node.setAttribute(name, value === true ? "" : value);
-  node.append(...children.flat(Infinity).filter((child) => child || child === 0));
+  node.append(...children.flat(Infinity).filter(Boolean));
   return node;
 }
 
@@ -29,7 +29,7 @@ function keepAttributes(now, wanted) {
 // Makes `host` hold exactly these nodes, changing as little as possible: what stays keeps its focus
 // and its selection.
 export function fill(host, ...nodes) {
-  const wanted = nodes.flat(Infinity).filter((node) => node || node === 0)
+  const wanted = nodes.flat(Infinity).filter(Boolean)
     .map((node) => (node instanceof Node ? node : new Text(node)));
   wanted.forEach((node, at) => {
     const now = host.childNodes[at];

@@ -64,7 +64,7 @@ export class Device {
     this.busy = false;
     if (status) this.#count(this.#held);
     say(message);
-    this.heard({ refused: Boolean(status) });
+    this.heard(status ? { wrong: { message } } : {});
   }
 
   play(lines) {

@@ -12,7 +12,7 @@ let played = { steps: [], valid: 0, busy: false };  // a device, or what was rec
 export const model = {
   lines: [],
   cursor: 0,    // lines looked at; what is played by then may be fewer
-  wrong: null,  // {line, message, lines}: what was refused, and why
+  wrong: null,  // {line, message, lines}: what was refused, and why (without `line`: for all of it)
   name: "",
   get steps() { return played.steps; },
   get valid() { return played.valid; },  // how many of the steps belong to `lines`
@@ -75,12 +75,12 @@ function takeBack(wrong) {
   const { lines } = model, before = canUndo();
   do Object.assign(model, past.pop()); while (canUndo() && model.lines !== played.lines);
   if (before && model.lines !== played.lines) play(model.lines, model.cursor, false);
-  if (wrong) model.wrong = { ...wrong, lines };
+  model.wrong = { ...wrong, lines };
 }
 
 function heard(said) {
   if (said.gone) say(`The device process ended: ${said.gone}. Whatever you do next starts it anew.`);
-  if (said.wrong || said.refused) takeBack(said.wrong);
+  if (said.wrong) takeBack(said.wrong);
   if (model.busy) changedWhilePlaying();
   else drawNow();
 }

@@ -34,7 +34,7 @@ function itemsOf(step, before) {
   const setUp = !before.springBoard && line !== "boot" && !step.error && !expectation;
   if (step.error || (line && !expectation) || step.holds === false) {
     const text = step.error ? "This could not be done: " + step.error
-      : step.holds === false ? "Expected, but it was not so. What came: " + (step.instead?.join(" · ") || "nothing")
+      : step.holds === false ? "Expected, but it was not so. What came: " + (step.instead.join(" · ") || "nothing")
       : explainCommand(line, before);
     const answer = step.answer == null ? "" : step.answer ? " = YES" : " = NO";
     items.push({ step, index: -1, process: "", time: before.time, call: line + answer, text, startUp: setUp,

@@ -38,7 +38,7 @@ export const openFile = (path) => attempt(async () => {
 
 function line(text, at, current, before) {
   const step = at < model.valid ? model.steps[at] : null;
-  const note = step?.error ?? (step?.holds === false ? "does not hold; came: " + (step.instead?.[0] ?? "nothing") : "");
+  const note = step?.error ?? (step?.holds === false ? "does not hold; came: " + (step.instead[0] ?? "nothing") : "");
   const mark = note ? "✗" : step?.holds ? "✓" : at === current ? "▸" : "";
   const kind = [at >= model.cursor && "later", at === current && "current", note && "bad",
     /^\s*(#|$)/.test(text) && "remark"].filter(Boolean).join(" ");
@@ -59,7 +59,7 @@ function drawScenario() {
   if (applied && !model.busy && !model.wrong) leave();
   byId("viewing").hidden = editing;
   byId("editing").hidden = !editing;
-  if (editing) return drawWrong();
+  if (editing) drawWrong();
   const list = byId("lines"), current = shownSteps() - 1;
   const before = list.querySelector("[aria-current]");
   fill(list, model.lines.map((text, at) => line(text, at, current, list.children[at])));
@@ -80,12 +80,14 @@ function edit(lines) {
 function drawWrong() {
   const { wrong } = model, area = byId("text");
   area.setAttribute("aria-invalid", Boolean(wrong));
-  fill(byId("wrong"), wrong && `Line ${wrong.line + 1}: ${wrong.message}`);
+  const at = wrong?.line;
+  fill(byId("wrong"), wrong && (at == null ? "" : `Line ${at + 1}: `) + wrong.message);
   if (!wrong || !applied) return;
   applied = false;
-  const start = textOf(["", ...wrong.lines.slice(0, wrong.line)]).length - 1;
   area.focus();
-  area.setSelectionRange(start, start + wrong.lines[wrong.line].length);
+  if (at == null) return;
+  const start = textOf(["", ...wrong.lines.slice(0, at)]).length - 1;
+  area.setSelectionRange(start, start + wrong.lines[at].length);
 }
 
 function apply() {

@@ -19,7 +19,7 @@ export const kApps = [
 const kKnown = new Map([...kApps, [kSpringBoard, "SpringBoard"], [kSettingsApp, "Settings"]]);
 
 export function appName(id, state) {
-  const app = state?.apps?.find((one) => one.id === id);
+  const app = state.apps.find((one) => one.id === id);
   return app?.name ?? kKnown.get(id) ?? id.split(".").pop();
 }
 

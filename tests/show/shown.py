@@ -58,6 +58,9 @@ class Shown(unittest.TestCase):
             return Page(self.browser, self.server.url)
         return Page(self.browser, f"{self.server.url}#scenario={urllib.parse.quote(scenario)}")
 
+    def at_once(self, *clicks):
+        self.browser.driver.execute_script("for (const one of arguments) document.querySelector(one).click()", *clicks)
+
     def assertRow(self, page, *words, record="#first"):
         rows = page.rows(record)
         self.assertTrue(any(all(word in row for word in words) for row in rows), f"no row with {words}: {rows}")
