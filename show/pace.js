@@ -83,7 +83,8 @@ const kTimeActions = {
 
 function drawTime() {
   const { nextTimer, time } = shownState();
-  const able = { back: model.cursor > 0, step: !atEnd(), timer: isLive() && atEnd() && nextTimer != null && !failedStep(), undo: canUndo() };
+  const able = { back: model.cursor > 0, step: !atEnd(), undo: canUndo(),
+    timer: isLive() && atEnd() && nextTimer != null && !failedStep() };
   const button = (name) => byId("time").querySelector(`[data-time="${name}"]`);
   for (const [name, can] of Object.entries(able)) button(name).disabled = !can;
   button("pace").textContent = running ? "Hold time" : "Let time pass";

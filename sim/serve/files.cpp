@@ -20,11 +20,9 @@ namespace {
 const std::map<std::string, std::string> kTypes = {{".html", "text/html; charset=utf-8"},
                                                    {".css", "text/css; charset=utf-8"},
                                                    {".js", "text/javascript; charset=utf-8"},
-                                                   {".txt", "text/plain; charset=utf-8"},
-                                                   {".svg", "image/svg+xml"}};
+                                                   {".txt", "text/plain; charset=utf-8"}};
 
-// Whether it is a file, of a length that is given, which stands under this very name: no link leads
-// there, and no "..".
+// Whether it is a file, not too long, under this very name: no link leads there, and no "..".
 bool isGiven(const fs::path& folder, const std::string& path) {
   std::error_code failed;
   const std::string file = fs::canonical(folder, failed).string() + '/' + path;
@@ -58,10 +56,10 @@ void save(const fs::path& folder, const std::string& name, const std::string& te
   std::string unfinished = folder / ".unfinished-XXXXXX";
   const int descriptor = mkstemp(unfinished.data());
   std::FILE* file = descriptor < 0 ? nullptr : fdopen(descriptor, "wb");
-  bool succeeded = file && std::fwrite(text.data(), 1, text.size(), file) == text.size();
-  succeeded = succeeded && fchmod(descriptor, 0644) == 0;  // it was for its owner's eyes alone
-  if (file) succeeded = std::fclose(file) == 0 && succeeded;
-  if (succeeded && rename(unfinished.c_str(), (folder / name).c_str()) == 0) return;
+  const bool written = file && fchmod(descriptor, 0644) == 0 &&
+                       std::fwrite(text.data(), 1, text.size(), file) == text.size();
+  const bool whole = file && std::fclose(file) == 0 && written;
+  if (whole && rename(unfinished.c_str(), (folder / name).c_str()) == 0) return;
   const int error = errno;
   unlink(unfinished.c_str());
   throw std::system_error(error, std::generic_category(), "cannot write " + name);
