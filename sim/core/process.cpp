@@ -123,7 +123,7 @@ Object* Process::object(Address address) {
   if (address == 0) return nullptr;
   if (const auto found = heap_.find(address); found != heap_.end()) return found->second;
   if (const auto gone = freed_.find(address); gone != freed_.end())
-    throw Fault("use of a freed " + gone->second);
+    throw Fault("use of a freed " + gone->second->name);
   return literal(address);
 }
 
@@ -137,7 +137,7 @@ void Process::free(Object& object) {
 void Process::destroy(Object& object) {
   object.dropAssociations();
   heap_.erase(object.address);
-  freed_[object.address] = object.isa->name;
+  freed_[object.address] = object.isa;
   if (object.isa->instanceSize()) library_->deallocate(object.address);
   delete &object;
 }

@@ -183,7 +183,7 @@ class Process {
   Frameworks frameworks_;
   std::multimap<Framework, Class*> classesOfLateFrameworks_;
   std::unordered_map<Address, Object*> heap_;
-  std::unordered_map<Address, std::string> freed_;  // address -> class, to name the culprit
+  std::unordered_map<Address, const Class*> freed_;  // to name the culprit
   std::vector<std::vector<Ref<Object>>> pools_;
   std::map<std::string, Ref<Object>> shared_;
   struct Function {
