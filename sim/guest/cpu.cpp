@@ -19,8 +19,7 @@ void check(uc_err error, const char* what) {
 
 }  // namespace
 
-Cpu::Cpu(Slice slice, GuestMemory& memory, std::function<void(Address)> trap)
-    : slice_(slice), memory_(memory), trap_(std::move(trap)) {
+Cpu::Cpu(Slice slice, GuestMemory& memory) : slice_(slice), memory_(memory) {
   const bool wide = slice == Slice::arm64;
   check(uc_open(wide ? UC_ARCH_ARM64 : UC_ARCH_ARM, UC_MODE_ARM, &engine_), "open");
   if (wide) {  // switch floating point on
@@ -47,7 +46,10 @@ Cpu::Cpu(Slice slice, GuestMemory& memory, std::function<void(Address)> trap)
        heap.base + heap.size - 1);
 }
 
-Cpu::~Cpu() { uc_close(engine_); }
+Cpu::~Cpu() {
+  if (kept_) uc_context_free(kept_);
+  uc_close(engine_);
+}
 
 void Cpu::map(const GuestMemory::Region& region) {
   std::uint32_t protection = UC_PROT_READ;
@@ -102,6 +104,12 @@ void Cpu::setStackPointer(Address value) { set(UC_ARM64_REG_SP, UC_ARM_REG_SP, v
 Address Cpu::linkRegister() const { return get(UC_ARM64_REG_LR, UC_ARM_REG_LR); }
 Address Cpu::framePointer() const { return get(UC_ARM64_REG_FP, UC_ARM_REG_R7); }
 Address Cpu::programCounter() const { return get(UC_ARM64_REG_PC, UC_ARM_REG_PC); }
+
+void Cpu::keepRegisters() {
+  check(uc_context_alloc(engine_, &kept_), "keep the registers");
+  check(uc_context_save(engine_, kept_), "keep the registers");
+}
+void Cpu::restoreRegisters() { check(uc_context_restore(engine_, kept_), "restore the registers"); }
 
 // ---- Running
 

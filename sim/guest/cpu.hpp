@@ -19,11 +19,13 @@ struct InstructionCounts {
 
 class Cpu {
  public:
-  // `trap(address)` runs when the guest reaches an address of the trap region.
-  Cpu(Slice slice, GuestMemory& memory, std::function<void(Address)> trap);
+  Cpu(Slice slice, GuestMemory& memory);
   ~Cpu();
   Cpu(const Cpu&) = delete;
   Cpu& operator=(const Cpu&) = delete;
+
+  // `trap(address)` runs when the guest reaches an address of the trap region.
+  void onTrap(std::function<void(Address)> trap) { trap_ = std::move(trap); }
 
   // Makes memory that was added after construction visible to the guest.
   void map(const GuestMemory::Region& region);
@@ -37,6 +39,10 @@ class Cpu {
   Address linkRegister() const;
   Address framePointer() const;
   Address programCounter() const;
+
+  // All registers as they are now, and back to that.
+  void keepRegisters();
+  void restoreRegisters();
 
   // Runs from `code` until it returns to `until`. May be used again from within a trap. What a trap
   // throws ends the run and is thrown here. Fault on a bad access or instruction.
@@ -67,6 +73,7 @@ class Cpu {
   GuestMemory& memory_;
   std::function<void(Address)> trap_;
   uc_engine* engine_ = nullptr;
+  uc_context* kept_ = nullptr;
   std::exception_ptr stopped_;
   std::uint64_t blocksRun_ = 0;  // since the outermost run began
   int depth_ = 0;

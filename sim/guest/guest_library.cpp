@@ -11,17 +11,13 @@
 #include "sim/guest/back_trace.hpp"
 #include "sim/guest/c_library.hpp"
 #include "sim/guest/guest_call.hpp"
-#include "sim/guest/loaded_image.hpp"
+#include "sim/guest/machine.hpp"
 #include "sim/guest/macho_file.hpp"
 #include "sim/guest/runtime_metadata.hpp"
-#include "sim/guest/traps.hpp"
 
 namespace sim::guest {
 
 namespace {
-
-constexpr Address kStackBase = 0x30000000;
-constexpr std::size_t kStackSize = std::size_t{1} << 20;
 
 std::vector<std::uint8_t> fileContents(const std::filesystem::path& file) {
   std::ifstream in(file, std::ios::binary);
@@ -35,16 +31,8 @@ std::vector<std::uint8_t> fileContents(const std::filesystem::path& file) {
 class GuestLibrary final : public Library {
  public:
   GuestLibrary(GuestLibraryLoader& loader, Process& process)
-      : loader_(loader),
-        process_(process),
-        slice_(loader.slice_),
-        cpu_(slice_, memory_, [this](Address address) { trapped(address); }),
-        variables_(mapPlatformVariables(memory_)),
-        image_(*loader.image_, "proCorvalen", kLibraryBase, slice_, memory_, traps_) {
-    cpu_.map(memory_.add(kStackBase, kStackSize, true, false));
-    cpu_.map(variables_);
-    for (const auto* region : image_.regions()) cpu_.map(*region);
-    cpu_.setStackPointer(kStackBase + kStackSize);
+      : loader_(loader), process_(process), slice_(loader.slice_), machine_(loader.machine()) {
+    cpu_.onTrap([this](Address address) { trapped(address); });
     image_.setVersion(loader.version_);
     loader_.living_.insert(this);
     if (loader_.debugging_.steps)
@@ -53,7 +41,13 @@ class GuestLibrary final : public Library {
     breakAt(loader_.debugging_.breakAt);
     if (loader_.measuring_) measure();
   }
-  ~GuestLibrary() override { loader_.living_.erase(this); }
+  // What it leaves behind serves another process, unless more is in it than was at the start.
+  ~GuestLibrary() override {
+    loader_.living_.erase(this);
+    if (!loader_.reusing_ || faulted_ || bundle_ || depth_ > 0 || loader_.watches()) return;
+    machine_->restore();
+    loader_.idle_.push_back(std::move(machine_));
+  }
 
   void runInitialisers() override {
     attachMetadata(image_, memory_, process_, pointerSize());
@@ -82,6 +76,7 @@ class GuestLibrary final : public Library {
       placeArguments(slice_, cpu_, memory_, fixed);
       cpu_.run(code, kReturnTrap);
     } catch (const Fault& fault) {
+      faulted_ = true;
       if (--depth_ == 0 || !reported_) report(fault);
       cpu_.setStackPointer(stack);
       throw;
@@ -201,13 +196,14 @@ class GuestLibrary final : public Library {
   GuestLibraryLoader& loader_;
   Process& process_;
   Slice slice_;
-  GuestMemory memory_;
-  Traps traps_;
-  Cpu cpu_;
-  const GuestMemory::Region& variables_;
-  LoadedImage image_;
+  std::unique_ptr<Machine> machine_;
+  GuestMemory& memory_ = machine_->memory;
+  Traps& traps_ = machine_->traps;
+  Cpu& cpu_ = machine_->cpu;
+  LoadedImage& image_ = machine_->image;
   std::optional<LoadedImage> bundle_;
   int depth_ = 0;
+  bool faulted_ = false;
   bool reported_ = false;
   InstructionCounts tallied_;
   bool loading_ = false;
@@ -232,6 +228,17 @@ const MachOImage& GuestLibraryLoader::bundleImage() {
     bundleImage_ =
         std::make_shared<const MachOImage>(loadMachO(fileContents(bundleExecutable()), slice_));
   return *bundleImage_;
+}
+
+bool GuestLibraryLoader::watches() const {
+  return measuring_ || debugging_.steps || !debugging_.breakAt.empty();
+}
+
+std::unique_ptr<Machine> GuestLibraryLoader::machine() {
+  if (idle_.empty()) return std::make_unique<Machine>(*image_, slice_);
+  auto machine = std::move(idle_.back());
+  idle_.pop_back();
+  return machine;
 }
 
 std::unique_ptr<Library> GuestLibraryLoader::load(Process& process) {

@@ -14,6 +14,7 @@ namespace sim::guest {
 
 struct MachOImage;
 class GuestLibrary;
+class Machine;
 
 // What a debugging session of a guest wants to see; all off by default. Goes to standard error.
 struct GuestDebugging {
@@ -62,6 +63,11 @@ class GuestLibraryLoader final : public LibraryLoader {
   std::unique_ptr<Library> load(Process& process) override;
   void setVersion(double version) override;
 
+  // Left behind by processes that have ended, and restored for others.
+  const std::vector<std::unique_ptr<Machine>>& idle() const { return idle_; }
+  // Whether a process may get the restored machine of one that has ended; only tests say no.
+  void reuse(bool machines) { reusing_ = machines; }
+
   // Counts instructions in every process loaded from now on.
   void measure() { measuring_ = true; }
   Cost cost() const { return cost_; }
@@ -71,8 +77,10 @@ class GuestLibraryLoader final : public LibraryLoader {
   FixUps fixUps(Address pageSize) const;
 
  private:
-  friend class GuestLibrary;        // one process's copy
-  const MachOImage& bundleImage();  // read when it is first asked for
+  friend class GuestLibrary;           // one process's copy
+  const MachOImage& bundleImage();     // read when it is first asked for
+  std::unique_ptr<Machine> machine();  // an idle one or a new one
+  bool watches() const;                // hooks of its own are in every processor
 
   std::shared_ptr<const MachOImage> image_;
   std::shared_ptr<const MachOImage> bundleImage_;
@@ -80,10 +88,12 @@ class GuestLibraryLoader final : public LibraryLoader {
   GuestDebugging debugging_;
   double version_ = 0;
   bool measuring_ = false;
+  bool reusing_ = true;
   Cost cost_;
   Cost loadCost_;
   HookRows hookRows_;
   std::set<GuestLibrary*> living_;
+  std::vector<std::unique_ptr<Machine>> idle_;
 };
 
 }  // namespace sim::guest

@@ -30,6 +30,14 @@ const GuestMemory::Region& GuestMemory::add(Address base, std::size_t size, bool
   return *regions_.back();
 }
 
+// (The pages go back to the kernel: nearly none of them were touched.)
+void GuestMemory::clear() {
+  for (const auto& region : regions_)
+    if (region->writable) madvise(region->host, region->size, MADV_DONTNEED);
+  heapUsed_ = 0;
+  blocks_.clear();
+}
+
 const GuestMemory::Region* GuestMemory::find(Address address, std::size_t size) const {
   for (const auto& region : regions_)
     if (address >= region->base && size <= region->size &&

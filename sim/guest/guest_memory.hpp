@@ -29,6 +29,8 @@ class GuestMemory {
   // Adds zeroed memory, a multiple of the page size. Borrowed reference, valid for ever.
   const Region& add(Address base, std::size_t size, bool writable, bool executable);
   const std::vector<std::unique_ptr<Region>>& regions() const { return regions_; }
+  // Zeroes all writable memory; nothing is allocated any more.
+  void clear();
 
   // As platform code reads and writes: Fault outside of what the process may touch.
   void read(Address from, void* to, std::size_t size) const;

@@ -26,6 +26,11 @@ class Traps {
   Address imported(const std::string& name);
   // A new address for platform code.
   Address exposed(std::shared_ptr<const NativeCode> code, bool isMethod);
+  std::size_t count() const { return traps_.size(); }
+  // Takes back all but the first ones, which must be imports.
+  void forgetAllBut(std::size_t count) {
+    traps_.erase(traps_.begin() + static_cast<std::ptrdiff_t>(count), traps_.end());
+  }
   bool contains(Address address) const {
     return address >= kTrapBase && address < kTrapBase + kTrapSize;
   }
