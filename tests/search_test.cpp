@@ -270,6 +270,26 @@ TEST(Exploring, ShrinksAScenarioThatRunsDifferentlyOnTwoBuilds) {
   EXPECT_NE(progress.str().find("findings"), std::string::npos);
 }
 
+// A program that misspells a command in its trace, and speaks of all that it cannot play.
+TEST(Exploring, ShrinksToWhatCanBePlayed) {
+  const std::string program = ::testing::TempDir() + "misspelling";
+  std::ofstream(program) << "#!/bin/sh\n" CORVALEN_SIM
+                            R"( run "$1" 2>&1 | sed 's/^> unlock/> unlcok/')";
+  std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+  const std::vector<explore::Build> builds = {{"host", hostLoader}, {"misspelling", {}, program}};
+  std::ostringstream found;
+  std::ostringstream progress;
+  search::SearchOptions options;
+  options.count = 3;
+  ASSERT_GT(explore::explore(builds, options, {}, found, progress), 0u);
+  std::istringstream in(found.str());
+  Lines shortest;
+  for (std::string line; std::getline(in, line) && !line.empty();)
+    if (line[0] != '#') shortest.push_back(line);
+  EXPECT_EQ(explore::play(*hostLoader(), shortest).line, shortest.size()) << found.str();
+  EXPECT_EQ(shortest.back(), "unlock");
+}
+
 TEST(Exploring, FindsAProgramThatPrintsAnotherTrace) {
   const std::vector<explore::Build> builds = {{"host", hostLoader}, {"echo", {}, "echo"}};
   std::ostringstream found;

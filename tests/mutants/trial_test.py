@@ -64,7 +64,7 @@ class Trial(unittest.TestCase):
 
     def test_what_hangs_is_noticed(self):
         test, file = INSTALL
-        done = self.trial(change("hang", test, "for (;;) asm(\"\");" + test, file), seconds="15")
+        done = self.trial(change("hang", test, "for (;;) asm(\"\");" + test, file), seconds="4")
         self.assertEqual(done.returncode, 0, done.stderr)
         self.assertIn("killed    hang: hangs in scenarios/", done.stdout)
 
