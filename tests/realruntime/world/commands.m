@@ -100,7 +100,7 @@ static id iconOf(NSString* className, NSString* identifier) {
 }
 + (void)drag_lock_screen:(NSArray*)w {
   id view = fresh(@"SBLockScreenScrollView");
-  if (view) answered = [view touchesShouldCancelInContentView:fresh(@"UIView")];
+  if (view) answered = [view touchesShouldCancelInContentView:[[UIView new] autorelease]];
 }
 + (void)title_view:(NSArray*)w {
   static NSMutableDictionary* views;
