@@ -1,5 +1,7 @@
 #include "loader/preferences.hpp"
 
+#include "springboard/title_display.hpp"
+
 namespace corvalen::preferences {
 
 using platform::NSDictionary;
@@ -41,6 +43,7 @@ void loadPreferences() {
     preferencesDictionary = defaults().leak();
     preferencesDictionary.writeToFile(path(), true);
   }
+  springboard::refreshTitleViews();
 }
 
 bool boolean(NSString key) { return boolean(preferencesDictionary, key); }

@@ -10,8 +10,8 @@ namespace corvalen::preferences {
 // at each reload: do not hold on to it or to what it holds.
 extern constinit NSMutableDictionary preferencesDictionary;
 
-// Loads the file, and creates it with the defaults if it is missing or empty. SpringBoard's main
-// thread only.
+// Loads the file, creates it with the defaults if it is missing or empty, and has the now-playing
+// titles refreshed. SpringBoard's main thread only.
 void loadPreferences();
 
 // Values of SpringBoard's copy. A value of a wrong type reads as a missing one. A text is held on

@@ -5,13 +5,11 @@
 #include "platform/media.hpp"
 #include "springboard/launcher.hpp"
 #include "springboard/session.hpp"
-#include "springboard/title_display.hpp"
 
 namespace corvalen::springboard {
 
 void settingsChanged(CFNotificationCenterRef, void*, CFStringRef, const void*, CFTypeRef) {
   preferences::loadPreferences();
-  refreshTitleViews();
 }
 
 void playerStarted(CFNotificationCenterRef, void*, CFStringRef, const void*, CFTypeRef) {

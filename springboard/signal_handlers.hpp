@@ -5,7 +5,7 @@
 
 namespace corvalen::springboard {
 
-// Settings changed: loads them again, and has the now-playing titles refreshed.
+// Settings changed: loads them again.
 void settingsChanged(CFNotificationCenterRef, void*, CFStringRef, const void*, CFTypeRef);
 // Spotify or Podcasts has started: tells it to play, unless its icon was tapped and the user does
 // not want that.
