@@ -119,13 +119,7 @@ class Races(Shown):
         self.assertRow(page, LAUNCH, "com.spotify.client")
 
     def test_a_session_that_the_server_has_ended_is_followed_by_another(self):
-        kept = self.browser.driver.execute_cdp_cmd("Page.addScriptToEvaluateOnNewDocument", {"source": """
-            window.sources = [];
-            window.EventSource = class extends EventSource {
-              constructor(address) { super(address); sources.push(this); }
-            };"""})
-        page = self.open()
-        self.browser.driver.execute_cdp_cmd("Page.removeScriptToEvaluateOnNewDocument", kept)
+        page = self.open_with_sources()
         self.browser.driver.execute_script("sources[0].close()")
         page.wait(lambda: not self.server.devices(), "the server ends it")
         page.press("Play", "#phone")

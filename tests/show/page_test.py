@@ -200,13 +200,7 @@ class PageTest(Shown):
         self.assertNotIn("headphones", page.text("#status"))
 
     def test_a_connection_that_is_closed_for_good_is_followed_by_another(self):
-        kept = self.browser.driver.execute_cdp_cmd("Page.addScriptToEvaluateOnNewDocument", {"source": """
-            window.sources = [];
-            window.EventSource = class extends EventSource {
-              constructor(address) { super(address); sources.push(this); }
-            };"""})
-        page = self.open()
-        self.browser.driver.execute_cdp_cmd("Page.removeScriptToEvaluateOnNewDocument", kept)
+        page = self.open_with_sources()
         self.browser.driver.execute_script("sources[0].close(); sources[0].onerror();")
         page.wait(lambda: self.browser.driver.execute_script("return sources[1]?.readyState") == 1, "another one is opened")
         page.press("Play", "#phone")

@@ -58,6 +58,17 @@ class Shown(unittest.TestCase):
             return Page(self.browser, self.server.url)
         return Page(self.browser, f"{self.server.url}#scenario={urllib.parse.quote(scenario)}")
 
+    def open_with_sources(self):
+        """A page whose connections to the server stand in its `sources`."""
+        kept = self.browser.driver.execute_cdp_cmd("Page.addScriptToEvaluateOnNewDocument", {"source": """
+            window.sources = [];
+            window.EventSource = class extends EventSource {
+              constructor(address) { super(address); sources.push(this); }
+            };"""})
+        page = self.open()
+        self.browser.driver.execute_cdp_cmd("Page.removeScriptToEvaluateOnNewDocument", kept)
+        return page
+
     def at_once(self, *clicks):
         self.browser.driver.execute_script("for (const one of arguments) document.querySelector(one).click()", *clicks)
 
