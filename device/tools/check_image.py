@@ -13,6 +13,7 @@ import sys
 import code_signature
 import image_uuid
 import macho
+import verdict
 
 STUBS = pathlib.Path(__file__).parent.parent / 'stubs' / 'imports.txt'
 # Where images lie, and what they must not link there, though the build has it.
@@ -217,13 +218,5 @@ def problems(path):
         yield f'slices {seen}, not arm64 and armv7'
 
 
-def main():
-    found = list(problems(sys.argv[1]))
-    for problem in found:
-        print(problem)
-    print(f'{sys.argv[1]}: {"wrong" if found else "as it must be"}')
-    sys.exit(bool(found))
-
-
 if __name__ == '__main__':
-    main()
+    verdict.end(sys.argv[1], problems(sys.argv[1]))

@@ -11,6 +11,8 @@ import sys
 import tarfile
 import xml.parsers.expat
 
+import verdict
+
 MACH_O = (b'\xcf\xfa\xed\xfe', b'\xce\xfa\xed\xfe', b'\xca\xfe\xba\xbe')
 PLACES = ('Library/MobileSubstrate/DynamicLibraries/', 'Library/PreferenceLoader/Preferences/',
           'Library/PreferenceBundles/')
@@ -68,13 +70,5 @@ def problems(package):
         yield f'{icon} is not in the package'
 
 
-def main():
-    found = list(problems(sys.argv[1]))
-    for problem in found:
-        print(problem)
-    print(f'{sys.argv[1]}: {"wrong" if found else "as it must be"}')
-    sys.exit(bool(found))
-
-
 if __name__ == '__main__':
-    main()
+    verdict.end(sys.argv[1], problems(sys.argv[1]))
