@@ -17,7 +17,7 @@ Machine::Machine(const MachOImage& macho, Slice slice)
   cpu.map(mapPlatformVariables(memory));
   for (const auto* region : image.regions()) {
     cpu.map(*region);
-    if (!region->executable)
+    if (region->writable || !region->executable)
       written_.push_back({region, {region->host, region->host + region->size}});
   }
   cpu.setStackPointer(kStackBase + kStackSize);
